@@ -1,0 +1,107 @@
+# How every target of the project is compiled, and the one way to declare a library.
+
+include_guard(GLOBAL)
+include(CheckCXXCompilerFlag)
+include(CMakePackageConfigHelpers)
+
+check_cxx_compiler_flag(-fno-semantic-interposition VORNIC_HAS_NO_SEMANTIC_INTERPOSITION)
+find_program(VORNIC_CCACHE ccache DOC "Compiler cache, used when it is there")
+mark_as_advanced(VORNIC_CCACHE)
+
+# Flags that only building this project needs. Neither target is exported.
+add_library(vornic_warnings INTERFACE)
+target_compile_options(vornic_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual
+    # C++20 lets a variadic macro be called without the variadic part; Clang 14 warns regardless.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
+    # GCC 12 takes the concatenation of strings for overlapping copies when it optimises (its bug 105651).
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+
+add_library(vornic_sanitizers INTERFACE)
+if(VORNIC_SANITIZE)
+    list(JOIN VORNIC_SANITIZE "," vornic_sanitize_names)
+    target_compile_options(vornic_sanitizers INTERFACE
+        -fsanitize=${vornic_sanitize_names} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(vornic_sanitizers INTERFACE -fsanitize=${vornic_sanitize_names})
+endif()
+
+# vornic_target_defaults(<target>)
+#
+# Compiles an existing target the way all code of the project is compiled: C++20 without extensions,
+# warnings as errors (`cmake --compile-no-warning-as-error` lifts that), the chosen sanitizers, ccache
+# where it is installed. Assertions stay on in every build type: NDEBUG is never defined.
+function(vornic_target_defaults target)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_compile_options(${target} PRIVATE -UNDEBUG)
+    target_link_libraries(${target} PRIVATE
+        $<BUILD_INTERFACE:vornic_warnings> $<BUILD_INTERFACE:vornic_sanitizers>)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        COMPILE_WARNING_AS_ERROR ON)
+    if(VORNIC_CCACHE)
+        set_target_properties(${target} PROPERTIES CXX_COMPILER_LAUNCHER ${VORNIC_CCACHE})
+    endif()
+endfunction()
+
+# vornic_add_library(<target> [STATIC]
+#                    INCLUDE <dir>       include root, the base of every public header
+#                    HEADERS <file>...   public headers, below <dir>
+#                    SOURCES <file>...
+#                    [LINK <target>...]  floors below; users of the library get them too
+#                    [PRIVATE_LINK <target>...])
+#
+# Declares the library of one floor, shared unless STATIC is given, and its alias, Vornic:: and the
+# target's name without "vornic_". Sources of the library also find the headers of the calling folder.
+# The target all_verify_interface_header_sets compiles every public header alone. Shared libraries are
+# installed and exported; a static one is of this build only.
+function(vornic_add_library target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "STATIC" "INCLUDE" "HEADERS;SOURCES;LINK;PRIVATE_LINK")
+    if(arg_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "vornic_add_library(${target}): unexpected ${arg_UNPARSED_ARGUMENTS}")
+    endif()
+    if(arg_STATIC)
+        set(type STATIC)
+    else()
+        set(type SHARED)
+    endif()
+    string(REGEX REPLACE "^vornic_" "" short ${target})
+
+    add_library(${target} ${type} ${arg_SOURCES})
+    add_library(Vornic::${short} ALIAS ${target})
+    vornic_target_defaults(${target})
+    target_sources(${target} PUBLIC
+        FILE_SET HEADERS BASE_DIRS ${arg_INCLUDE} FILES ${arg_HEADERS})
+    target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_libraries(${target} PUBLIC ${arg_LINK} PRIVATE ${arg_PRIVATE_LINK})
+    set_target_properties(${target} PROPERTIES
+        EXPORT_NAME ${short}
+        POSITION_INDEPENDENT_CODE ON
+        VERIFY_INTERFACE_HEADER_SETS ON)
+
+    if(type STREQUAL SHARED)
+        # A call within a library may be inlined and need not go through the symbol table.
+        if(VORNIC_HAS_NO_SEMANTIC_INTERPOSITION)
+            target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+        endif()
+        set_target_properties(${target} PROPERTIES
+            VERSION ${PROJECT_VERSION}
+            SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+            INSTALL_RPATH "$ORIGIN")
+        install(TARGETS ${target} EXPORT VornicL3SharedTargets
+            FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vornic)
+    endif()
+endfunction()
+
+# vornic_install_package()
+#
+# Installs what find_package(VornicL3Shared) reads: the exported libraries and their version.
+function(vornic_install_package)
+    set(destination ${CMAKE_INSTALL_LIBDIR}/cmake/VornicL3Shared)
+    install(EXPORT VornicL3SharedTargets NAMESPACE Vornic::
+        FILE VornicL3SharedConfig.cmake DESTINATION ${destination})
+    write_basic_package_version_file(VornicL3SharedConfigVersion.cmake
+        COMPATIBILITY SameMinorVersion)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/VornicL3SharedConfigVersion.cmake
+        DESTINATION ${destination})
+endfunction()

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "netzo/IntfId.h"
+
+#include <cstddef>
+#include <initializer_list>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace Interface {
+
+/// A set of interfaces, kept and iterated in the byte order of their names, so that equal sets
+/// print alike.
+///
+/// Made for the usual 0 to 64 members: a sorted array. A search compares a handful of names, an
+/// insertion or a removal moves the members behind it, equality compares a word a member. Any
+/// change ends the validity of iterators.
+class IntfSet {
+public:
+    using const_iterator = std::vector<Netzo::IntfId>::const_iterator;
+
+    IntfSet() noexcept = default;
+    IntfSet(std::initializer_list<Netzo::IntfId> intfs);
+
+    bool insert(Netzo::IntfId intf);       ///< whether it was not there
+    bool erase(Netzo::IntfId const& intf); ///< whether it was there
+    void clear() noexcept { members_.clear(); }
+    bool contains(Netzo::IntfId const& intf) const noexcept;
+
+    std::size_t size() const noexcept { return members_.size(); }
+    bool empty() const noexcept { return members_.empty(); }
+    const_iterator begin() const noexcept { return members_.begin(); }
+    const_iterator end() const noexcept { return members_.end(); }
+
+    /// The names in brackets, as `[Ethernet1, Ethernet2]`.
+    std::string stringValue() const;
+
+    friend bool operator==(IntfSet const&, IntfSet const&) noexcept = default;
+
+private:
+    const_iterator placeOf(Netzo::IntfId const& intf) const noexcept;
+
+    std::vector<Netzo::IntfId> members_;
+};
+
+std::ostream& operator<<(std::ostream& out, IntfSet const& set);
+
+} // namespace Interface

@@ -1,0 +1,76 @@
+#include "netzo/IntfId.h"
+
+#include "pelo/CountedTable.h"
+#include "pelo/Hash.h"
+
+#include <algorithm>
+#include <ostream>
+
+namespace Netzo {
+namespace {
+
+bool isLetter(char c) noexcept { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+bool isControl(char c) noexcept { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
+
+} // namespace
+
+/// The names in use. The table is never destroyed: ids with static storage may outlive every other
+/// object.
+struct IntfId::Table {
+    static Pelo::CountedTable<Entry>& instance() {
+        static auto* const table = new Pelo::CountedTable<Entry>;
+        return *table;
+    }
+
+    /// `text` gives the name as a `Pelo::String`, for an entry that has to be made.
+    template <class Text> static Entry* take(std::string_view name, U64 hash, Text const& text) {
+        if (name.empty()) {
+            return nullptr;
+        }
+        return instance().take(
+            hash, [&](Entry const& entry) { return entry.name.view() == name; },
+            [&] {
+                return new Entry{hash, 1, Pelo::String(text)};
+            });
+    }
+};
+
+IntfId::IntfId(std::string_view name)
+    : entry_(Table::take(name, Pelo::hashBytes(name.data(), name.size()), name)) {}
+
+IntfId::IntfId(Pelo::String const& name) : entry_(Table::take(name.view(), name.hash(), name)) {}
+
+void IntfId::release(Entry* entry) noexcept { Table::instance().release(entry); }
+
+std::size_t IntfId::namesInUse() { return Table::instance().size(); }
+
+std::string IntfId::shortName() const {
+    auto const [letters, rest] = shortNameParts();
+    return std::string(letters).append(rest);
+}
+
+std::pair<std::string_view, std::string_view> IntfId::shortNameParts() const noexcept {
+    std::string_view const full = name();
+    auto const digit = std::find_if(full.begin(), full.end(), isDigit);
+    if (full.size() < 2 || !isLetter(full[0]) || !isLetter(full[1]) || digit == full.end()) {
+        return {full, {}};
+    }
+    return {full.substr(0, 2), full.substr(static_cast<std::size_t>(digit - full.begin()))};
+}
+
+Pelo::Parsed<IntfId> IntfId::parse(std::string_view text) {
+    if (text.empty()) {
+        return Pelo::ParseError{0, "an interface name"};
+    }
+    auto const control = std::find_if(text.begin(), text.end(), isControl);
+    if (control != text.end()) {
+        return Pelo::ParseError{static_cast<std::size_t>(control - text.begin()),
+                                "an interface name without control characters"};
+    }
+    return IntfId(text);
+}
+
+std::ostream& operator<<(std::ostream& out, IntfId const& intf) { return out << intf.name(); }
+
+} // namespace Netzo

@@ -1,0 +1,7 @@
+#include "pelo/ThreadControl.h"
+
+namespace Pelo {
+
+std::atomic<bool> ThreadControl::multiThreaded_{false};
+
+} // namespace Pelo

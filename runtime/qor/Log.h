@@ -1,0 +1,13 @@
+#pragma once
+
+#include "qor/LogHandle.h"
+
+#include <string_view>
+
+namespace Qor {
+
+/// Emits the handle's message, with `text` as its argument, to the log sink, unless the rate limit
+/// holds it back. An exception on the way ends the process.
+void log(LogHandle& handle, std::string_view text) noexcept;
+
+} // namespace Qor

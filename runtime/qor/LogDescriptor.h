@@ -1,0 +1,16 @@
+#pragma once
+
+#include "pelo/Integers.h"
+
+namespace Qor {
+
+/// What is fixed about one log message. All texts are literals.
+struct LogDescriptor {
+    char const* id;
+    char const* format; ///< the message, with one `%s` where its argument goes
+    char const* explanation;
+    char const* recommendedAction;
+    U32 severity; ///< 0 (emergency) to 7 (debug)
+};
+
+} // namespace Qor

@@ -1,0 +1,14 @@
+#include "qor/TraceStream.h"
+
+#include <sstream>
+
+namespace Qor::Internal {
+
+void appendPrinted(std::string& text, void const* value,
+                   void (*print)(std::ostream&, void const*)) {
+    std::ostringstream out;
+    print(out, value);
+    text += out.view();
+}
+
+} // namespace Qor::Internal

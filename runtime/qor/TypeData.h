@@ -1,0 +1,67 @@
+#pragma once
+
+#include "pelo/Node.h"
+#include "pelo/Ptr.h"
+#include "qor/FieldData.h"
+
+#include <functional>
+#include <iosfwd>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace Qor {
+
+class TypeModule;
+
+/// The description of an entity type: its attributes, collections and operations in order, and how
+/// to construct it.
+///
+/// One object a type, made by `TypeBuilder`; see there for how a type declares its own.
+class TypeData {
+public:
+    struct Constructor {
+        std::vector<ArgumentData> arguments;
+        std::function<Pelo::Ptr<Pelo::Node>(Arguments)> create;
+    };
+
+    TypeData(char const* name, std::vector<FieldData> fields,
+             std::optional<Constructor> constructor)
+        : name_(name), fields_(std::move(fields)), constructor_(std::move(constructor)) {}
+    TypeData(TypeData const&) = delete;
+    TypeData& operator=(TypeData const&) = delete;
+
+    /// With its namespaces: "VornicCentral::VpIndexConfigDir".
+    char const* name() const noexcept { return name_; }
+    /// Without them: "VpIndexConfigDir".
+    std::string_view unqualifiedName() const noexcept;
+
+    std::span<FieldData const> fields() const noexcept { return fields_; }
+
+    /// Null when there is none.
+    FieldData const* fieldByNumber(Pelo::FieldId number) const noexcept;
+    FieldData const* fieldByName(std::string_view name) const noexcept;
+
+    /// Null for a type that cannot be constructed from arguments.
+    Constructor const* constructor() const noexcept {
+        return constructor_ ? &*constructor_ : nullptr;
+    }
+
+    /// The registered type of that name, with its namespaces or, where only one type has it,
+    /// without them; null when there is none.
+    static TypeData const* find(std::string_view name);
+    /// As `find`, but what is not there is refused with `UnknownNameException`.
+    static TypeData const& get(std::string_view name);
+
+private:
+    char const* name_;
+    std::vector<FieldData> fields_;
+    std::optional<Constructor> constructor_;
+};
+
+/// Prints the type for reference: its name with the constructor's arguments, then a line a field
+/// with number and signature.
+std::ostream& operator<<(std::ostream& out, TypeData const& type);
+
+} // namespace Qor

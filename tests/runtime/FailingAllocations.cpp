@@ -1,0 +1,76 @@
+#include "runtime/FailingAllocations.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local bool failing = false;
+thread_local U32 passing = 0;
+
+/// `alignment` is 0 for storage that fits every type without a wish of its own.
+void* allocate(std::size_t size, std::size_t alignment) {
+    if (failing) {
+        if (passing == 0) {
+            throw std::bad_alloc();
+        }
+        --passing;
+    }
+    std::size_t const wanted = size == 0 ? 1 : size;
+    void* const storage =
+        alignment == 0
+            ? std::malloc(wanted)
+            : std::aligned_alloc(alignment, (wanted + alignment - 1) / alignment * alignment);
+    if (storage == nullptr) {
+        throw std::bad_alloc();
+    }
+    return storage;
+}
+
+void* allocateOrNull(std::size_t size) noexcept {
+    try {
+        return allocate(size, 0);
+    } catch (std::bad_alloc const&) {
+        return nullptr;
+    }
+}
+
+} // namespace
+
+namespace Support {
+
+FailingAllocations::FailingAllocations(U32 allowed) noexcept {
+    passing = allowed;
+    failing = true;
+}
+
+FailingAllocations::~FailingAllocations() { failing = false; }
+
+} // namespace Support
+
+void* operator new(std::size_t size) { return allocate(size, 0); }
+void* operator new[](std::size_t size) { return allocate(size, 0); }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return allocate(size, static_cast<std::size_t>(alignment));
+}
+void* operator new[](std::size_t size, std::align_val_t alignment) {
+    return allocate(size, static_cast<std::size_t>(alignment));
+}
+
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
+    return allocateOrNull(size);
+}
+void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
+    return allocateOrNull(size);
+}
+
+void operator delete(void* storage) noexcept { std::free(storage); }
+void operator delete[](void* storage) noexcept { std::free(storage); }
+void operator delete(void* storage, std::size_t) noexcept { std::free(storage); }
+void operator delete[](void* storage, std::size_t) noexcept { std::free(storage); }
+void operator delete(void* storage, std::align_val_t) noexcept { std::free(storage); }
+void operator delete[](void* storage, std::align_val_t) noexcept { std::free(storage); }
+void operator delete(void* storage, std::size_t, std::align_val_t) noexcept { std::free(storage); }
+void operator delete[](void* storage, std::size_t, std::align_val_t) noexcept {
+    std::free(storage);
+}

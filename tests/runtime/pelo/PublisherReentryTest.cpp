@@ -1,0 +1,286 @@
+#include "pelo/Node.h"
+#include "pelo/Ptr.h"
+#include "pelo/Publisher.h"
+#include "pelo/String.h"
+#include "runtime/pelo/Reactor.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+
+namespace {
+
+using Pelo::Publisher;
+using Support::Calls;
+using Support::publish;
+using Support::Reactor;
+
+/// Reactors that change subscriptions, or publish, while they are being told.
+class PublisherReentry : public testing::Test {
+protected:
+    void add(Reactor& reactor, bool atFront = false) {
+        publisher.subscriberAdd(&reactor.subscriber, atFront);
+    }
+    void remove(Reactor& reactor) { publisher.subscriberRemove(&reactor.subscriber); }
+    Calls heard(int key) {
+        calls.clear();
+        publish(publisher, 131, key);
+        return calls;
+    }
+
+    Calls calls;
+    Publisher publisher;
+    Reactor a{calls, "a"};
+    Reactor b{calls, "b"};
+};
+
+TEST_F(PublisherReentry, WhoIsAddedIsFirstToldOfTheNextChange) {
+    Reactor adder(calls, "adder", [&] { add(b); });
+    add(adder);
+    add(a);
+    EXPECT_EQ(heard(1), (Calls{"adder 131.1", "a 131.1"}));
+    EXPECT_EQ(heard(2), (Calls{"adder 131.2", "a 131.2", "b 131.2"}));
+}
+
+TEST_F(PublisherReentry, WhoIsAddedAtTheFrontIsFirstToldOfTheNextChangeAndNobodyTwice) {
+    Reactor adder(calls, "adder", [&] { add(b, true); });
+    add(adder);
+    add(a);
+    EXPECT_EQ(heard(1), (Calls{"adder 131.1", "a 131.1"}));
+    EXPECT_EQ(heard(2), (Calls{"b 131.2", "adder 131.2", "a 131.2"}));
+}
+
+TEST_F(PublisherReentry, ManyAddedAtOnceDoNotDisturbTheChangeUnderWay) {
+    std::vector<std::unique_ptr<Reactor>> many;
+    Reactor adder(calls, "adder", [&] {
+        for (int i = 0; i < 100; ++i) {
+            many.push_back(std::make_unique<Reactor>(calls, "new"));
+            add(*many.back(), i % 2 == 0);
+        }
+    });
+    add(adder);
+    add(a);
+    EXPECT_EQ(heard(1), (Calls{"adder 131.1", "a 131.1"}));
+    EXPECT_EQ(publisher.subscriberCount(), 102u);
+}
+
+TEST_F(PublisherReentry, WhoLeavesByItselfIsToldNoMore) {
+    Reactor once(calls, "once", [&] { remove(once); });
+    add(a);
+    add(once);
+    add(b);
+    EXPECT_EQ(heard(1), (Calls{"a 131.1", "once 131.1", "b 131.1"}));
+    EXPECT_EQ(heard(2), (Calls{"a 131.2", "b 131.2"}));
+}
+
+TEST_F(PublisherReentry, WhoIsRemovedBeforeItsTurnIsNotToldOfTheChangeUnderWay) {
+    Reactor remover(calls, "remover", [&] { remove(a); });
+    add(remover);
+    add(a);
+    add(b);
+    EXPECT_EQ(heard(1), (Calls{"remover 131.1", "b 131.1"}));
+    EXPECT_EQ(publisher.subscriberCount(), 2u);
+}
+
+TEST_F(PublisherReentry, WhoIsRemovedAfterItsTurnStopsNobody) {
+    Reactor remover(calls, "remover", [&] { remove(a); });
+    add(a);
+    add(remover);
+    add(b);
+    EXPECT_EQ(heard(1), (Calls{"a 131.1", "remover 131.1", "b 131.1"}));
+    EXPECT_EQ(heard(2), (Calls{"remover 131.2", "b 131.2"}));
+}
+
+TEST_F(PublisherReentry, WhoIsRemovedAndAddedAgainWaitsForTheNextChange) {
+    Reactor turner(calls, "turner", [&] {
+        remove(a);
+        add(a);
+    });
+    add(turner);
+    add(a);
+    add(b);
+    EXPECT_EQ(heard(1), (Calls{"turner 131.1", "b 131.1"}));
+    EXPECT_EQ(heard(2), (Calls{"turner 131.2", "b 131.2"}));
+    turner.subscriber.publisher()->subscriberRemove(&turner.subscriber);
+    EXPECT_EQ(heard(3), (Calls{"b 131.3", "a 131.3"}));
+}
+
+TEST_F(PublisherReentry, LastSubscriberThatLeavesEndsTheChange) {
+    Reactor sweeper(calls, "sweeper", [&] {
+        remove(a);
+        remove(b);
+        remove(sweeper);
+    });
+    add(sweeper);
+    add(a);
+    add(b);
+    EXPECT_EQ(heard(1), (Calls{"sweeper 131.1"}));
+    EXPECT_FALSE(publisher.hasSubscribers());
+    EXPECT_EQ(heard(2), Calls{});
+}
+
+TEST_F(PublisherReentry, SubscriberMayBeDestroyedByItselfOrByAnother) {
+    std::optional<Reactor> own;
+    std::optional<Reactor> other;
+    own.emplace(calls, "own", [&] {
+        own.reset();
+        other.reset();
+    });
+    other.emplace(calls, "other");
+    add(a);
+    add(*own);
+    add(*other);
+    add(b);
+    EXPECT_EQ(heard(1), (Calls{"a 131.1", "own 131.1", "b 131.1"}));
+    EXPECT_EQ(publisher.subscriberCount(), 2u);
+}
+
+TEST_F(PublisherReentry, NestedChangeIsToldToItsEndBeforeTheFirstGoesOn) {
+    int depth = 0;
+    Reactor writer(calls, "writer", [&] {
+        if (++depth <= 2) {
+            publish(publisher, 140, depth);
+        }
+    });
+    add(a);
+    add(writer);
+    add(b);
+    EXPECT_EQ(heard(9), (Calls{"a 131.9", "writer 131.9",            //
+                               "a 140.1", "writer 140.1",            //
+                               "a 140.2", "writer 140.2", "b 140.2", //
+                               "b 140.1", "b 131.9"}));
+}
+
+TEST_F(PublisherReentry, NestedChangeIsToldToThoseWhoWereAddedBeforeIt) {
+    Reactor writer(calls, "writer", [&] {
+        if (!b.subscriber.subscribed()) {
+            add(b);
+            publish(publisher, 140, 1);
+        }
+    });
+    add(writer);
+    add(a);
+    EXPECT_EQ(heard(9), (Calls{"writer 131.9", "writer 140.1", "a 140.1", "b 140.1", "a 131.9"}));
+}
+
+TEST_F(PublisherReentry, WhoIsRemovedInANestedChangeIsNotToldOfTheOuterOne) {
+    Reactor writer(calls, "writer", [&] {
+        if (a.subscriber.subscribed()) {
+            remove(a);
+            publish(publisher, 140, 1);
+            add(*std::make_unique<Reactor>(calls, "gone at once"), true);
+        }
+    });
+    add(writer);
+    add(a);
+    add(b);
+    EXPECT_EQ(heard(9), (Calls{"writer 131.9", "writer 140.1", "b 140.1", "b 131.9"}));
+    EXPECT_EQ(publisher.subscriberCount(), 2u);
+}
+
+/// An entity that publishes, held by counted pointers.
+class Tower final : public Pelo::Node {
+public:
+    explicit Tower(bool& gone) : gone_(gone) {}
+    Publisher* publisher() const noexcept override { return &publisher_; }
+    void change(int key) { publish(publisher_, 131, key); }
+
+private:
+    ~Tower() override { gone_ = true; }
+    bool& gone_;
+    mutable Publisher publisher_;
+};
+
+TEST_F(PublisherReentry, LastPointerToThePublishersOwnerMayGo) {
+    bool gone = false;
+    auto tower = Pelo::newNode<Tower>(gone);
+    Reactor breaker(calls, "breaker", [&] { tower = nullptr; });
+    tower->publisher()->subscriberAdd(&a.subscriber, false);
+    tower->publisher()->subscriberAdd(&breaker.subscriber, false);
+    tower->publisher()->subscriberAdd(&b.subscriber, false);
+    tower->change(1);
+    EXPECT_TRUE(gone);
+    EXPECT_EQ(calls, (Calls{"a 131.1", "breaker 131.1"}));
+    EXPECT_FALSE(b.subscriber.subscribed());
+}
+
+TEST_F(PublisherReentry, LastPointerToThePublishersOwnerMayGoInANestedChange) {
+    bool gone = false;
+    auto tower = Pelo::newNode<Tower>(gone);
+    int depth = 0;
+    Reactor breaker(calls, "breaker", [&] {
+        if (++depth == 3) {
+            tower = nullptr;
+        } else {
+            tower->change(depth);
+        }
+    });
+    tower->publisher()->subscriberAdd(&breaker.subscriber, false);
+    tower->publisher()->subscriberAdd(&a.subscriber, false);
+    tower->change(9);
+    EXPECT_TRUE(gone);
+    EXPECT_EQ(calls, (Calls{"breaker 131.9", "breaker 131.1", "breaker 131.2"}));
+}
+
+TEST_F(PublisherReentry, SubscriberMayMoveToAnotherPublisherWhileItIsTold) {
+    Publisher other;
+    Reactor mover(calls, "mover", [&] {
+        other.subscriberAdd(&mover.subscriber, false);
+        publish(publisher, 140, 1);
+    });
+    add(mover);
+    add(a);
+    EXPECT_EQ(heard(9), (Calls{"mover 131.9", "a 140.1", "a 131.9"}));
+    EXPECT_EQ(mover.subscriber.publisher(), &other);
+}
+
+TEST_F(PublisherReentry, IsPublishingKnowsTheChangesUnderWay) {
+    using Answers = std::vector<bool>;
+    std::vector<Answers> seen;
+    auto const answers = [&] {
+        int const one = 1;
+        int const two = 2;
+        seen.push_back({publisher.isPublishing(131, &one), publisher.isPublishing(131, &two),
+                        publisher.isPublishing(140, &one), publisher.isPublishing(140, &two),
+                        publisher.isPublishing(150, nullptr),
+                        publisher.isPublishing(131, nullptr)});
+    };
+    int depth = 0;
+    Reactor asker(calls, "asker", [&] {
+        answers();
+        if (++depth == 1) {
+            publish(publisher, 140, 2);
+        } else if (depth == 2) {
+            publisher.publishChangeRecursive(150, nullptr, nullptr, nullptr);
+        }
+    });
+    add(asker);
+    answers();
+    publish(publisher, 131, 1);
+    answers();
+    EXPECT_EQ(seen, (std::vector<Answers>{{false, false, false, false, false, false},
+                                          {true, false, false, false, false, false},
+                                          {true, false, false, true, false, false},
+                                          {true, false, false, true, true, false},
+                                          {false, false, false, false, false, false}}));
+}
+
+TEST_F(PublisherReentry, IsPublishingComparesOnlyKeysOfTheSameField) {
+    Pelo::String const name("a key of another type");
+    std::vector<bool> seen;
+    Reactor asker(calls, "asker", [&] {
+        int const number = 1;
+        seen.push_back(publisher.isPublishing(131, &number));
+        seen.push_back(publisher.isPublishing(140, &name));
+        if (seen.size() == 2) {
+            publish(publisher, 131, 1);
+        }
+    });
+    asker.keysArePrinted = false;
+    add(asker);
+    publisher.publishChangeRecursive(140, &name, nullptr, &Pelo::keysEqual<Pelo::String>);
+    EXPECT_EQ(seen, (std::vector<bool>{false, true, true, true}));
+}
+
+} // namespace
