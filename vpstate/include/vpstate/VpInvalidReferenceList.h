@@ -1,0 +1,23 @@
+#pragma once
+
+#include "pelo/Slab.h"
+#include "vpstate/VpRecord.h"
+
+namespace VornicCentral {
+
+/// The keys whose reference holds the invalid virtual port and which wait for an index: one record
+/// for the whole system, in the order in which the keys began to wait. Written by the directory
+/// state machine, and only while reallocation is enabled.
+class VpInvalidReferenceList final : public VpRecord<bool>,
+                                     public Pelo::SlabAllocated<VpInvalidReferenceList> {
+public:
+    explicit VpInvalidReferenceList(Pelo::String const& name) : VpRecord(name) {}
+
+    static Pelo::Ptr<VpInvalidReferenceList> VpInvalidReferenceListIs(Pelo::String const& name);
+
+    Qor::TypeData const* typeData() const override;
+};
+
+Pelo::Ptr<VpInvalidReferenceList> vpInvalidReferenceListFactory(Pelo::String const& name);
+
+} // namespace VornicCentral

@@ -1,0 +1,123 @@
+#pragma once
+
+#include "qor/Entity.h"
+#include "qor/HashMap2018.h"
+#include "vpstate/Kinds.h"
+
+#include <tuple>
+
+namespace VornicCentral {
+
+/// The base of the five records: one keyed collection per kind of virtual port, each publishing its
+/// changes.
+///
+/// Collections iterate in insertion order and may be changed while they are walked (see
+/// `Qor::HashMap2018`). Every mutator changes first and publishes afterwards, with the kind's field
+/// number, the key, and the new value (null after a deletion). Setting a key to the value that it
+/// has changes and publishes nothing.
+///
+/// For each collection the record offers, by the kind as a template argument and by the
+/// collection's name:
+///
+///     has<EdgeVport>(key)         edgeVportHas(key)         whether the key is there
+///     get<EdgeVport>(key)         edgeVport(key)            its value; a default value when it is
+///     not there is<EdgeVport>(key, value)   edgeVportIs(key, value)   insert or replace
+///     del<EdgeVport>(key)         edgeVportDel(key)         delete; returns the removed value, or
+///     a default one delAll<EdgeVport>()         edgeVportDelAll()         empty: in one step when
+///     nobody subscribes, else one by one collection<EdgeVport>()     edgeVport()               the
+///     collection, for walks and its member count
+///
+/// Cost: that of the collection and one call a subscriber. Not thread-safe.
+template <class V> class VpRecord : public Qor::Entity {
+    using Collections =
+        std::tuple<Qor::HashMap2018<RemoteVport::Key, V>, Qor::HashMap2018<MlagRemoteVport::Key, V>,
+                   Qor::HashMap2018<EdgeVport::Key, V>, Qor::HashMap2018<VlanVport::Key, V>,
+                   Qor::HashMap2018<EFilterDisableVport::Key, V>>;
+
+public:
+    using Value = V;
+    template <class Kind> using Collection = Qor::HashMap2018<typename Kind::Key, V>;
+
+    template <class Kind> Collection<Kind> const& collection() const noexcept {
+        return std::get<Kind::order>(collections_);
+    }
+    template <class Kind> bool has(typename Kind::Key const& key) const noexcept {
+        return collection<Kind>().has(key);
+    }
+
+    /// The value of a key where it stands, until the next change of the collection; null when the
+    /// key is not there.
+    template <class Kind> V const* find(typename Kind::Key const& key) const noexcept {
+        auto const* const member = collection<Kind>().lookupNode(key);
+        return member == nullptr ? nullptr : &member->value();
+    }
+    template <class Kind> V get(typename Kind::Key const& key) const {
+        V const* const value = find<Kind>(key);
+        return value == nullptr ? V() : *value;
+    }
+
+    /// `value` must not be a reference into this collection.
+    template <class Kind> void is(typename Kind::Key const& key, V const& value) {
+        if (!hasSubscribers()) {
+            mutableCollection<Kind>().memberIs(key, value);
+            return;
+        }
+        typename Kind::Key const changed(key);
+        if (mutableCollection<Kind>().memberIs(changed, value) != Collection<Kind>::Change::none) {
+            publishMember(Kind::field, changed, &value);
+        }
+    }
+
+    template <class Kind> V del(typename Kind::Key const& key) {
+        typename Kind::Key const changed(key);
+        auto removed = mutableCollection<Kind>().deleteMember(changed);
+        if (!removed) {
+            return V();
+        }
+        publishMember(Kind::field, changed, nullptr);
+        return *std::move(removed);
+    }
+
+    template <class Kind> void delAll() {
+        if (!hasSubscribers()) {
+            mutableCollection<Kind>().memberDelAll();
+            return;
+        }
+        for (typename Collection<Kind>::Iterator it(collection<Kind>()); it; it.advance()) {
+            del<Kind>(it.key());
+        }
+    }
+
+    /// The number of members of all five collections.
+    U32 memberCount() const noexcept {
+        return std::apply([](auto const&... each) { return (each.memberCount() + ...); },
+                          collections_);
+    }
+
+#define VPSTATE_COLLECTION(Kind, name)                                                             \
+    Collection<Kind> const& name() const noexcept { return collection<Kind>(); }                   \
+    V name(Kind::Key const& key) const { return get<Kind>(key); }                                  \
+    bool name##Has(Kind::Key const& key) const noexcept { return has<Kind>(key); }                 \
+    void name##Is(Kind::Key const& key, V const& value) { is<Kind>(key, value); }                  \
+    V name##Del(Kind::Key const& key) { return del<Kind>(key); }                                   \
+    void name##DelAll() { delAll<Kind>(); }
+
+    VPSTATE_COLLECTION(RemoteVport, remoteVport)
+    VPSTATE_COLLECTION(MlagRemoteVport, mlagRemoteVport)
+    VPSTATE_COLLECTION(EdgeVport, edgeVport)
+    VPSTATE_COLLECTION(VlanVport, vlanVport)
+    VPSTATE_COLLECTION(EFilterDisableVport, eFilterDisableVport)
+#undef VPSTATE_COLLECTION
+
+protected:
+    using Entity::Entity;
+
+private:
+    template <class Kind> Collection<Kind>& mutableCollection() noexcept {
+        return std::get<Kind::order>(collections_);
+    }
+
+    Collections collections_;
+};
+
+} // namespace VornicCentral

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "pelo/Slab.h"
+#include "vpstate/VirtualPort.h"
+#include "vpstate/VpRecord.h"
+
+namespace VornicCentral {
+
+/// The indices that were in use before the agent restarted: one record for the whole system.
+/// Written by the previous run; after the restart entries are only deleted.
+class VxlanBootStatus final : public VpRecord<VirtualPort>,
+                              public Pelo::SlabAllocated<VxlanBootStatus> {
+public:
+    explicit VxlanBootStatus(Pelo::String const& name) : VpRecord(name) {}
+
+    static Pelo::Ptr<VxlanBootStatus> VxlanBootStatusIs(Pelo::String const& name);
+
+    Qor::TypeData const* typeData() const override;
+};
+
+Pelo::Ptr<VxlanBootStatus> vxlanBootStatusFactory(Pelo::String const& name);
+
+} // namespace VornicCentral

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "pelo/Ptr.h"
+#include "pelo/Slab.h"
+#include "pelo/String.h"
+#include "qor/Entity.h"
+
+namespace VornicCentral {
+
+/// What the switching chip supports of VXLAN: a record that another agent makes and that nobody
+/// changes.
+class VxlanCapabilities final : public Qor::Entity, public Pelo::SlabAllocated<VxlanCapabilities> {
+public:
+    static Pelo::Ptr<VxlanCapabilities> VxlanCapabilitiesIs(Pelo::String const& name,
+                                                            bool remoteVportLowIndex);
+
+    /// Whether a remote VTEP that is not one of an MLAG takes the lowest clear VP index rather than
+    /// the highest.
+    bool remoteVportLowIndex() const noexcept { return remoteVportLowIndex_; }
+
+private:
+    VxlanCapabilities(Pelo::String const& name, bool remoteVportLowIndex);
+    ~VxlanCapabilities() override;
+
+    bool const remoteVportLowIndex_;
+};
+
+Pelo::Ptr<VxlanCapabilities> vxlanCapabilitiesFactory(Pelo::String const& name,
+                                                      bool remoteVportLowIndex);
+
+} // namespace VornicCentral
