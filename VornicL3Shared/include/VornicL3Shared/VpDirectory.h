@@ -1,0 +1,75 @@
+#pragma once
+
+#include "pelo/Ptr.h"
+#include "pelo/String.h"
+#include "qor/Entity.h"
+#include "qor/HashMap2018.h"
+
+namespace VornicCentral {
+
+/// What `VpIndexConfigDir` and `VpIndexStatusDir` have in common: a named directory from client
+/// name to record.
+///
+/// The directory holds one use of each record. Taking a record out does not destroy it while others
+/// hold it. Every change is published after it was made, under the directory's one field number,
+/// with the name as key and the new pointer as value (null after a removal). Entries iterate in
+/// insertion order. Not thread-safe.
+template <class R> class VpDirectory : public Qor::Entity {
+public:
+    using Record = R;
+    using Entries = Qor::HashMap2018<Pelo::String, Pelo::Ptr<R>>;
+
+    static constexpr Pelo::FieldId nameField = 130;
+    static constexpr Pelo::FieldId entriesField = 131;
+
+protected:
+    explicit VpDirectory(Pelo::String const& name) : Entity(name), entries_(1) {}
+
+    Entries const& entries() const noexcept { return entries_; }
+    Pelo::Ptr<R> entry(Pelo::String const& name) const {
+        auto const* const member = entries_.lookupNode(name);
+        return member == nullptr ? nullptr : member->value();
+    }
+    bool entryHas(Pelo::String const& name) const noexcept { return entries_.has(name); }
+
+    /// Sets, replaces or (with null) removes an entry. The very pointer that is there already
+    /// changes nothing; another one is a change even when the two records are equal in content.
+    void entryIs(Pelo::String const& name, Pelo::Ptr<R> const& record) {
+        if (!record) {
+            entryDel(name);
+            return;
+        }
+        Pelo::String const changed = name;
+        Pelo::Ptr<R> const value = record;
+        if (entries_.memberIs(changed, value) != Entries::Change::none) {
+            publishMember(entriesField, changed, &value);
+        }
+    }
+
+    /// Removes an entry and returns it; null, and nothing published, when there was none.
+    Pelo::Ptr<R> entryDel(Pelo::String const& name) {
+        Pelo::String const changed = name;
+        auto removed = entries_.deleteMember(changed);
+        if (!removed) {
+            return nullptr;
+        }
+        publishMember(entriesField, changed, nullptr);
+        return *std::move(removed);
+    }
+
+    /// Removes every entry: in one step when nobody subscribes, else one by one, each published.
+    void entryDelAll() {
+        if (!hasSubscribers()) {
+            entries_.memberDelAll();
+            return;
+        }
+        for (typename Entries::Iterator it(entries_); it; it.advance()) {
+            entryDel(it.key());
+        }
+    }
+
+private:
+    Entries entries_;
+};
+
+} // namespace VornicCentral

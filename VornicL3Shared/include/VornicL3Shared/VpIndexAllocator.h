@@ -1,0 +1,151 @@
+#pragma once
+
+#include "pelo/Node.h"
+#include "pelo/Ptr.h"
+#include "pelo/Publisher.h"
+#include "pelo/Slab.h"
+#include "pelo/String.h"
+#include "vpstate/Kinds.h"
+#include "vpstate/VirtualPort.h"
+#include "vpstate/VpIndexConfig.h"
+#include "vpstate/VpIndexStatus.h"
+#include "vpstate/VpReferenceList.h"
+
+namespace VornicCentral {
+
+class VpIndexAllocatorDirSm;
+
+/// The allocator of one client: turns the keys that the client requests into VP indices.
+///
+/// It watches the client's `VpIndexConfig`. A key that appears gets the index that another client
+/// holds for the same key, or else a new one from the pool; a key that disappears gives its index
+/// back when no other client uses it. For each key it writes the virtual port into the client's
+/// `VpIndexStatus`, keeps the client's name in the key's `VpReference` and writes the reference
+/// last, since that write wakes the directory state machine.
+///
+/// When the table is full the key is recorded all the same, with the invalid index, in status and
+/// reference: it waits for an index that is released later. Another client that requests a waiting
+/// key shares the invalid index and does not try to allocate.
+///
+/// Created by `VpIndexAllocatorDirSm::vpIndexAllocatorIs`; it serves everything that is already
+/// requested before its constructor returns. All of it runs on the agent's event thread, one
+/// handler at a time: see the state machine.
+class VpIndexAllocator final : public Pelo::Node, public Pelo::SlabAllocated<VpIndexAllocator> {
+public:
+    /// `vpIndexAllocatorDirSm` is borrowed and must outlive the allocator's reactors; the records
+    /// are shared. `config` may be null: the allocator then has an empty name and nothing to serve.
+    VpIndexAllocator(VpIndexAllocatorDirSm* vpIndexAllocatorDirSm,
+                     Pelo::Ptr<VpIndexConfig const> const& vpIndexConfig,
+                     Pelo::Ptr<VpIndexStatus> const& vpIndexStatus,
+                     Pelo::Ptr<VpReferenceList> const& vpReference, bool vfiForwarding);
+    ~VpIndexAllocator() override;
+
+    /// Builds an allocator and switches its reactors on.
+    static Pelo::Ptr<VpIndexAllocator>
+    VpIndexAllocatorIs(VpIndexAllocatorDirSm* vpIndexAllocatorDirSm,
+                       Pelo::Ptr<VpIndexConfig const> const& vpIndexConfig,
+                       Pelo::Ptr<VpIndexStatus> const& vpIndexStatus,
+                       Pelo::Ptr<VpReferenceList> const& vpReference, bool vfiForwarding);
+
+    /// The name of the config record, which is the client's.
+    Pelo::String const& name() const noexcept;
+    VpIndexAllocatorDirSm* vpIndexAllocatorDirSm() const noexcept { return vpIndexAllocatorDirSm_; }
+    Pelo::Ptr<VpIndexConfig const> const& vpIndexConfig() const noexcept { return vpIndexConfig_; }
+    Pelo::Ptr<VpIndexStatus> const& vpIndexStatus() const noexcept { return vpIndexStatus_; }
+    Pelo::Ptr<VpReferenceList> const& vpReference() const noexcept { return vpReference_; }
+    bool vfiForwarding() const noexcept { return vfiForwarding_; }
+    bool initialized() const noexcept { return initialized_; }
+
+    /// Writes the table size into the status and runs the five sweeps, the remote kinds first.
+    void handleInitialized();
+
+    /// Brings one key in line with the config, whether it was added, requested again or withdrawn.
+    void handleRemoteVport(RemoteVtepKey const& key);
+    void handleMlagRemoteVport(RemoteVtepKey const& key);
+    void handleEdgeVport(PortVlanKey const& pvKey);
+    void handleVlanVport(Bridging::VlanId vlan);
+    void handleEFilterDisableVport(Netzo::IntfId intf);
+
+    /// Handles every requested key of one kind, in the config's order. Keys that are not requested
+    /// are not visited.
+    void handleRemoteVport();
+    void handleMlagRemoteVport();
+    void handleEdgeVport();
+    void handleVlanVport();
+    void handleEFilterDisableVport();
+
+    /// The two remote kinds of one key have nothing to do with each other: each of these looks only
+    /// into the collections of the kind that `mlag` selects.
+    void handleRemoteVportCommon(RemoteVtepKey const& key, bool mlag);
+    VpReference getRemoteVportRef(RemoteVtepKey const& key, bool mlag) const;
+    bool remoteVportInVpReference(RemoteVtepKey const& key, bool mlag) const;
+    bool remoteVportInVpIndexConfig(RemoteVtepKey const& key, bool mlag) const;
+    U16 getRemoteVportVpIndex(RemoteVtepKey const& key, bool mlag) const;
+    void addRemoteVportToStatus(RemoteVtepKey const& key, VirtualPort const& vPort, bool mlag);
+    void addRemoteVportToVpRef(RemoteVtepKey const& key, VpReference const& reference, bool mlag);
+    void delRemoteVportFromVpRef(RemoteVtepKey const& key, bool mlag);
+    void delRemoteVportFromVpIndexStatus(RemoteVtepKey const& key, bool mlag);
+
+    /// Counts the outcome of one allocation: a failure for the invalid index, else a request. An
+    /// index above the table size (the size itself passes), a reserved index and a missing status
+    /// stop the process.
+    void verifyAndUpdateAllocStats(U16 vpIndex);
+    /// Counts one release by this client; the invalid index counts for nothing.
+    void updateFreeStats(U16 vpIndex);
+
+    /// Checks that config, status, references and pool agree for this client; the first
+    /// disagreement stops the process. Changes nothing.
+    void verify() const;
+    void verifyRemoteVpIndex() const;
+    void verifyMlagRemoteVpIndex() const;
+    void verifyEdgeVpIndex() const;
+    void verifyVlanVpIndex() const;
+    void verifyEFilterDisableVpIndex() const;
+
+    /// The reactor of the config: maps the changed collection to its keyed handler. Unknown fields
+    /// are ignored, and everything is while the allocator is a zombie.
+    static void vpIndexConfigDispatch(Pelo::Publisher* publisher, Pelo::Subscriber* subscriber,
+                                      Pelo::FieldId field, void const* key,
+                                      void const* value) noexcept;
+
+    /// Switches the reactor on or off; nothing happens when it already is.
+    void hasNotificationActiveIs(bool active);
+    /// Makes the reactor ignore, or heed, notifications; nothing happens when it already does.
+    void qorDoZombieReactors(bool zombie) noexcept;
+
+    Qor::TypeData const* typeData() const override;
+
+private:
+    template <class Kind> void handleKey(typename Kind::Key const& key);
+    template <class Kind> void handleKeyInTurn(typename Kind::Key const& key);
+    template <class Kind> void handleAll();
+    template <class Kind>
+    void add(typename Kind::Key const& key, VpReference& reference, bool held);
+    template <class Kind> VirtualPort allocate(typename Kind::Key const& key);
+    template <class Kind> void withdraw(typename Kind::Key const& key, VpReference& reference);
+    template <class Kind> void release(typename Kind::Key const& key, U16 vpIndex);
+    template <class Kind>
+    VpReference readReference(typename Kind::Key const& key, bool& held) const;
+    template <class Kind> void writeStatus(typename Kind::Key const& key, VirtualPort const& vPort);
+    template <class Kind> void verifyKind() const;
+
+    template <class Argument>
+    void react(void const* key, void (VpIndexAllocator::*handler)(Argument));
+    void subscribe(bool on);
+
+    VpIndexAllocatorDirSm* vpIndexAllocatorDirSm_;
+    Pelo::Ptr<VpIndexConfig const> vpIndexConfig_;
+    Pelo::Subscriber configSubscriber_;
+    Pelo::Ptr<VpIndexStatus> vpIndexStatus_;
+    Pelo::Ptr<VpReferenceList> vpReference_;
+    bool vfiForwarding_;
+    bool initialized_ = false;
+};
+
+Pelo::Ptr<VpIndexAllocator>
+vpIndexAllocatorFactory(VpIndexAllocatorDirSm* vpIndexAllocatorDirSm,
+                        Pelo::Ptr<VpIndexConfig const> const& vpIndexConfig,
+                        Pelo::Ptr<VpIndexStatus> const& vpIndexStatus,
+                        Pelo::Ptr<VpReferenceList> const& vpReference, bool vfiForwarding);
+
+} // namespace VornicCentral

@@ -1,0 +1,249 @@
+#pragma once
+
+#include "VornicL3Shared/HandlerTurns.h"
+#include "VornicL3Shared/VpIndexAllocator.h"
+#include "VornicL3Shared/VpIndexConfigDir.h"
+#include "VornicL3Shared/VpIndexStatusDir.h"
+#include "bask/Bitmap.h"
+#include "vpstate/VpInvalidReferenceList.h"
+#include "vpstate/VxlanBootStatus.h"
+#include "vpstate/VxlanCapabilities.h"
+
+namespace VornicCentral {
+
+/// The allocator directory state machine: the one object that the agent creates to run VP index
+/// allocation.
+///
+/// It owns the pool of VP indices, one bit per entry of the chip's VP table, and one
+/// `VpIndexAllocator` per client name. Indices 0 to 7 are reserved for the system and never handed
+/// out. It follows the config directory, so that a client that appears gets its allocator, and the
+/// reference list, so that keys without an index are kept waiting.
+///
+/// The constructor runs the whole start-up: the pool is made, the reserved indices are marked, the
+/// indices of the reference list and the boot status are recovered, and every client of the config
+/// directory is served. A client whose config is removed keeps its allocator, its status and its
+/// indices. It has no thread of its own; all of it runs on the agent's event thread, inside
+/// notifications and the operations that the owner calls.
+///
+/// Handlers run one at a time: when a subscriber of the records that a handler writes changes a
+/// config at once, that change is handled after the handler is done. It may also drop the last
+/// pointer to the state machine, which then lives until its reactor returns.
+///
+/// What stops the process: a client with a config and no status; an index that is marked twice; a
+/// table that is neither full nor has a free entry; the checks of `verify`; and any exception that
+/// leaves a reactor.
+class VpIndexAllocatorDirSm final : public Pelo::Node,
+                                    public Pelo::SlabAllocated<VpIndexAllocatorDirSm> {
+public:
+    using Allocators = Qor::HashMap2018<Pelo::String, Pelo::Ptr<VpIndexAllocator>>;
+
+    /// The number of reserved indices, the lowest of the table.
+    static constexpr U32 maxSystemSourceVp_ = 8;
+
+    /// Every pointer may be null; what is null is neither watched nor read. `vpTableSize` is in
+    /// entries and at most 65535: in a larger table the index 65535, which means "no index", would
+    /// be handed out, which callers must not let happen. With `vpReallocationEnabled`, keys that
+    /// find the table full wait for an index that is released.
+    VpIndexAllocatorDirSm(Pelo::Ptr<VpReferenceList> const& vpReference,
+                          Pelo::Ptr<VpInvalidReferenceList> const& vpInvalidReference,
+                          Pelo::Ptr<VpIndexConfigDir const> const& vpIndexConfigDir,
+                          Pelo::Ptr<VpIndexStatusDir> const& vpIndexStatusDir, U32 vpTableSize,
+                          Pelo::Ptr<VxlanBootStatus> const& vxlanBootStatus,
+                          bool vpReallocationEnabled, bool vfiForwarding,
+                          Pelo::Ptr<VxlanCapabilities const> const& vxlanCapabilities);
+    ~VpIndexAllocatorDirSm() override;
+
+    /// Builds the state machine and switches its reactors on.
+    static Pelo::Ptr<VpIndexAllocatorDirSm>
+    VpIndexAllocatorDirSmIs(Pelo::Ptr<VpReferenceList> const& vpReference,
+                            Pelo::Ptr<VpInvalidReferenceList> const& vpInvalidReference,
+                            Pelo::Ptr<VpIndexConfigDir const> const& vpIndexConfigDir,
+                            Pelo::Ptr<VpIndexStatusDir> const& vpIndexStatusDir, U32 vpTableSize,
+                            Pelo::Ptr<VxlanBootStatus> const& vxlanBootStatus,
+                            bool vpReallocationEnabled, bool vfiForwarding,
+                            Pelo::Ptr<VxlanCapabilities const> const& vxlanCapabilities);
+
+    Pelo::Ptr<VpReferenceList> const& vpReference() const noexcept { return vpReference_; }
+    Pelo::Ptr<VpInvalidReferenceList> const& vpInvalidReference() const noexcept {
+        return vpInvalidReference_;
+    }
+    Pelo::Ptr<VpIndexConfigDir const> const& vpIndexConfigDir() const noexcept {
+        return vpIndexConfigDir_;
+    }
+    Pelo::Ptr<VpIndexStatusDir> const& vpIndexStatusDir() const noexcept {
+        return vpIndexStatusDir_;
+    }
+    U32 vpTableSize() const noexcept { return vpTableSize_; }
+    Pelo::Ptr<VxlanBootStatus> const& vxlanBootStatus() const noexcept { return vxlanBootStatus_; }
+    bool vpReallocationEnabled() const noexcept { return vpReallocationEnabled_; }
+    bool vfiForwarding() const noexcept { return vfiForwarding_; }
+    Pelo::Ptr<VxlanCapabilities const> const& vxlanCapabilities() const noexcept {
+        return vxlanCapabilities_;
+    }
+    bool initialized() const noexcept { return initialized_; }
+
+    /// The start-up sequence. The constructor runs it; calling it again starts from an empty pool
+    /// only if the pool was deleted before, and otherwise stops the process at the first reserved
+    /// index.
+    void handleInitialized();
+
+    // The pool of VP indices. None of these may be called while there is no pool.
+
+    Pelo::Ptr<Bask::Bitmap> const& vpBitmap() const noexcept { return vpBitmap_; }
+    /// The pool with these properties: the one that is there, with its bits, when it was built with
+    /// the same three values, else a new one in its place. `size` in bits.
+    Pelo::Ptr<Bask::Bitmap> vpBitmapIs(U64 id, U32 size, Bask::HBitmap::BitState initialBitState);
+    /// Detaches the pool and returns it.
+    Pelo::Ptr<Bask::Bitmap> vpBitmapDel();
+    /// Marks an index as used. An index above the table size is ignored; the table size itself
+    /// passes that test and reaches the pool, which has no such bit. An index that is in use
+    /// already stops the process.
+    void setVpBitmap(U32 vpIndex);
+    /// Takes the highest or the lowest free index; 65535 when the table is full. Cost: one word per
+    /// level of the pool.
+    U16 allocVpIndex(bool indexPreferenceHigh);
+    /// Gives an index back; 65535 is ignored. Nothing is checked: the caller must hold the index,
+    /// and must never free one below 8.
+    void freeVpIndex(U32 vpIndex);
+    /// True for 1 to 7. Index 0 is reserved like them and is not a default VP.
+    bool isDefaultVp(U32 vpIndex) const noexcept {
+        return vpIndex >= 1 && vpIndex < maxSystemSourceVp_;
+    }
+
+    // The allocators, one per client.
+
+    Allocators const& vpIndexAllocator() const noexcept { return vpIndexAllocator_; }
+    Pelo::Ptr<VpIndexAllocator> vpIndexAllocator(Pelo::String const& name) const;
+    bool vpIndexAllocatorHas(Pelo::String const& name) const noexcept {
+        return vpIndexAllocator_.has(name);
+    }
+    /// The allocator for `vpIndexConfig`, made when its name has none. Throws the
+    /// null-pointer-argument exception for a null config, and the mutator-reinstantiating exception
+    /// when the name's allocator was made with other arguments; that allocator stays.
+    Pelo::Ptr<VpIndexAllocator>
+    vpIndexAllocatorIs(VpIndexAllocatorDirSm* vpIndexAllocatorDirSm,
+                       Pelo::Ptr<VpIndexConfig const> const& vpIndexConfig,
+                       Pelo::Ptr<VpIndexStatus> const& vpIndexStatus,
+                       Pelo::Ptr<VpReferenceList> const& vpReference, bool vfiForwarding);
+    /// Removes one allocator and returns it (null when there was none), or removes all. For the
+    /// owner: the state machine itself never does, and the statuses and indices of the name stay.
+    Pelo::Ptr<VpIndexAllocator> vpIndexAllocatorDel(Pelo::String const& name);
+    void vpIndexAllocatorDelAll();
+
+    /// Brings the allocator of one name, or of every name, in line with the config directory. A
+    /// name that is not there any more is ignored.
+    void handleVpIndexConfig(Pelo::String const& name);
+    void handleVpIndexConfig();
+
+    // Waiting keys.
+
+    /// Makes a key wait (puts it into the invalid reference list) exactly if its reference holds
+    /// the invalid virtual port. Does nothing while reallocation is not enabled.
+    void handleInvalidRemoteVport(RemoteVtepKey const& key);
+    void handleInvalidMlagRemoteVport(RemoteVtepKey const& key);
+    void handleInvalidEdgeVport(PortVlanKey const& pvKey);
+    void handleInvalidVlanVport(Bridging::VlanId vlan);
+    void handleInvalidEFilterDisableVport(Netzo::IntfId intf);
+
+    /// The same for every key of one kind that has a reference.
+    void handleInvalidRemoteVport();
+    void handleInvalidMlagRemoteVport();
+    void handleInvalidEdgeVport();
+    void handleInvalidVlanVport();
+    void handleInvalidEFilterDisableVport();
+
+    /// Hands an index that nobody uses any more to the first waiting key whose reference names a
+    /// client (VLAN kind first, then remote, MLAG remote, edge, eFilterDisable, first come first
+    /// served), or frees it.
+    ///
+    /// With reallocation disabled, or before start-up has finished, the index is freed first, and
+    /// handed over all the same when a key waits: whoever calls it then must know that. The waiting
+    /// entry of the key that takes the index is not removed here but by the handler that the change
+    /// of its reference wakes. Bits of `vpIndex` above the sixteenth are cut off. Cost:
+    /// proportional to the waiting keys that have to be passed over. A client that is named by the
+    /// key's reference but has no config, no status or no such request stops the process.
+    void recycleOrFreeVpIndex(U32 vpIndex);
+
+    // Restart, clean-up, verification.
+
+    /// Recovers the pool from the reference list, and from the boot status when the reference list
+    /// has no remote, no edge and no VLAN entry (the two other kinds do not count); every reference
+    /// is left without clients, who enter themselves again; statuses that no config backs are
+    /// removed. Part of start-up. An index that two entries hold, or a boot entry with index 0,
+    /// stops the process; boot entries with the indices 1 to 7 are dropped.
+    void reconcile();
+    /// Removes every reference that names no client and releases its index. For the owner to call
+    /// when the clients have come back after a restart; not part of start-up.
+    void clearStaleEntries();
+    /// Checks every allocator and then the table: the first disagreement stops the process. Changes
+    /// nothing; returns at once while start-up has not finished. Each reference counts as one set
+    /// bit of the pool, one that waits without an index too: so it fails while any key waits.
+    void verify() const;
+
+    /// The reactors of the config directory and of the reference list.
+    static void vpIndexConfigDirDispatch(Pelo::Publisher* publisher, Pelo::Subscriber* subscriber,
+                                         Pelo::FieldId field, void const* key,
+                                         void const* value) noexcept;
+    static void vpReferenceDispatch(Pelo::Publisher* publisher, Pelo::Subscriber* subscriber,
+                                    Pelo::FieldId field, void const* key,
+                                    void const* value) noexcept;
+
+    /// Switches the reactors of the state machine and of all its allocators on or off; nothing
+    /// happens when they already are. Notifications that arrive meanwhile are ignored.
+    void hasNotificationActiveIs(bool active);
+    /// Makes the reactors ignore, or heed, notifications; nothing happens when they already do.
+    void qorDoZombieReactors(bool zombie) noexcept;
+
+    Qor::TypeData const* typeData() const override;
+
+private:
+    friend class VpIndexAllocator; // whose handlers take their turns with the state machine's
+
+    template <class Kind> void handleInvalidKey(typename Kind::Key const& key);
+    template <class Kind> void handleInvalidAll();
+    template <class Kind> bool recycleTo(VirtualPort vp);
+    template <class Kind>
+    void handOver(typename Kind::Key const& key, VpReference& reference, VirtualPort vp);
+    template <class Kind> void recoverReferences();
+    template <class Kind> void recoverBootStatus();
+    template <class Kind>
+    void recoverBootEntry(typename Kind::Key const& key, VirtualPort bootVport);
+    template <class Kind>
+    void cleanUpStatus(Pelo::String const& name, VpIndexConfig const& config,
+                       VpIndexStatus& status);
+    template <class Kind> void clearStaleKind();
+    template <class Kind> void verifyKind() const;
+
+    void subscribe(bool on);
+    void releaseAll() noexcept;
+    void recoverFromReferences();
+    void recoverFromBootStatus();
+    void cleanUpStatuses();
+
+    Pelo::Ptr<VpReferenceList> vpReference_;
+    Pelo::Ptr<VpInvalidReferenceList> vpInvalidReference_;
+    Pelo::Ptr<VpIndexConfigDir const> vpIndexConfigDir_;
+    Pelo::Ptr<VpIndexStatusDir> vpIndexStatusDir_;
+    U32 vpTableSize_;
+    Pelo::Ptr<VxlanBootStatus> vxlanBootStatus_;
+    bool vpReallocationEnabled_;
+    bool vfiForwarding_;
+    bool initialized_ = false;
+    Pelo::Ptr<VxlanCapabilities const> vxlanCapabilities_;
+    Pelo::Ptr<Bask::Bitmap> vpBitmap_;
+    Allocators vpIndexAllocator_;
+    HandlerTurns handlerTurns_;
+    Pelo::Subscriber referenceSubscriber_;
+    Pelo::Subscriber configDirSubscriber_;
+};
+
+Pelo::Ptr<VpIndexAllocatorDirSm>
+vpIndexAllocatorDirSmFactory(Pelo::Ptr<VpReferenceList> const& vpReference,
+                             Pelo::Ptr<VpInvalidReferenceList> const& vpInvalidReference,
+                             Pelo::Ptr<VpIndexConfigDir const> const& vpIndexConfigDir,
+                             Pelo::Ptr<VpIndexStatusDir> const& vpIndexStatusDir, U32 vpTableSize,
+                             Pelo::Ptr<VxlanBootStatus> const& vxlanBootStatus,
+                             bool vpReallocationEnabled, bool vfiForwarding,
+                             Pelo::Ptr<VxlanCapabilities const> const& vxlanCapabilities);
+
+} // namespace VornicCentral

@@ -1,0 +1,65 @@
+// What about the pool stops the process.
+
+#include "VornicL3Shared/support/Death.h"
+#include "VornicL3Shared/support/World.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using Bask::HBitmap;
+using Test::assertionFailure;
+using Test::World;
+
+class PoolDeathTest : public testing::Test {
+protected:
+    PoolDeathTest() { world.start(); }
+
+    World world;
+    std::string const markedTwice =
+        assertionFailure("void VornicCentral::VpIndexAllocatorDirSm::setVpBitmap(U32)",
+                         "!vpBitmap()->isBitSet( vpIndex )");
+    std::string const nothingFound =
+        assertionFailure("U16 VornicCentral::VpIndexAllocatorDirSm::allocVpIndex(bool)",
+                         "vpIndex != Bask::HBitmap::null()");
+};
+
+TEST_F(PoolDeathTest, MarkingAnIndexTwice) {
+    world.sm->setVpBitmap(12);
+    EXPECT_DEATH(world.sm->setVpBitmap(12), markedTwice);
+}
+
+TEST_F(PoolDeathTest, MarkingAReservedIndex) {
+    EXPECT_DEATH(world.sm->setVpBitmap(0), markedTwice);
+    EXPECT_DEATH(world.sm->setVpBitmap(7), markedTwice);
+}
+
+TEST_F(PoolDeathTest, MarkingAnAllocatedIndex) {
+    U16 const vpIndex = world.sm->allocVpIndex(true);
+    EXPECT_DEATH(world.sm->setVpBitmap(vpIndex), markedTwice);
+}
+
+TEST_F(PoolDeathTest, MarkingTheTableSizeTwiceWhereTheBitmapHasThatBit) {
+    world.sm->vpBitmapIs(0, 32, HBitmap::BitState::clear);
+    world.sm->setVpBitmap(16);
+    EXPECT_DEATH(world.sm->setVpBitmap(16), markedTwice);
+}
+
+TEST_F(PoolDeathTest, AFullBitmapThatDoesNotCountAsFull) {
+    world.sm->vpBitmapIs(0, 10, HBitmap::BitState::set);
+    EXPECT_DEATH(world.sm->allocVpIndex(false), nothingFound);
+    EXPECT_DEATH(world.sm->allocVpIndex(true), nothingFound);
+}
+
+TEST_F(PoolDeathTest, ABitmapWithoutBitsThatDoesNotCountAsFull) {
+    world.sm->vpBitmapIs(0, 0, HBitmap::BitState::clear);
+    EXPECT_DEATH(world.sm->allocVpIndex(false), nothingFound);
+}
+
+TEST_F(PoolDeathTest, StartingUpAgainOverAPoolThatIsThere) {
+    EXPECT_DEATH(world.sm->handleInitialized(), markedTwice);
+}
+
+} // namespace

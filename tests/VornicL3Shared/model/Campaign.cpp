@@ -1,0 +1,97 @@
+#include "VornicL3Shared/model/Campaign.h"
+
+#include "VornicL3Shared/model/Shrink.h"
+#include "qor/Sinks.h"
+
+#include <cstdlib>
+#include <iostream>
+#include <random>
+
+namespace ModelTest {
+namespace {
+
+constexpr U64 allSequences = 2000;
+
+U64 fromEnvironment(char const* name, U64 otherwise) {
+    char const* const value = std::getenv(name);
+    return value == nullptr ? otherwise : std::stoull(value);
+}
+
+Sequence sequenceOf(Flavour const& flavour, Effort const& effort, U64 seed) {
+    std::size_t const range = effort.mostSteps - effort.fewestSteps + 1;
+    return generated(flavour, seed, effort.fewestSteps + seed % range);
+}
+
+Failure failureOf(Sequence const& sequence, U64 seed, Beliefs const& beliefs) {
+    auto const fails = [&](Sequence const& candidate) {
+        return runInChild(candidate, beliefs).has_value();
+    };
+    Sequence const small = shrunk(sequence, fails);
+    return {seed, sequence.steps.size(), small,
+            runInChild(small, beliefs).value_or(Mismatch{0, "the failure did not come again\n"})};
+}
+
+/// Writes the failure of the sequence under way when an assertion that nobody foresaw is about to
+/// end this process.
+class LastWords {
+public:
+    LastWords() {
+        former_ = Qor::assertionSinkIs([this](Qor::AssertionFailure const&) {
+            std::cerr << failureOf(sequence, seed, {}).text() << std::flush;
+        });
+    }
+    ~LastWords() { Qor::assertionSinkIs(former_); }
+    LastWords(LastWords const&) = delete;
+    LastWords& operator=(LastWords const&) = delete;
+
+    Sequence sequence;
+    U64 seed = 0;
+
+private:
+    Qor::AssertionSink former_;
+};
+
+} // namespace
+
+Effort Effort::share(U64 percent) {
+    U64 const all = fromEnvironment("VORNIC_MODEL_SEQUENCES", allSequences);
+    U64 const random = std::random_device()();
+    U64 const steps = fromEnvironment("VORNIC_MODEL_STEPS", 0);
+    Effort effort{(all * percent + 99) / 100, fromEnvironment("VORNIC_MODEL_SEED", random << 20)};
+    if (steps != 0) {
+        effort.fewestSteps = effort.mostSteps = steps;
+    }
+    return effort;
+}
+
+std::string Failure::text() const {
+    return "seed " + std::to_string(seed) + " (" + std::to_string(steps) + " steps, shrunk to " +
+           std::to_string(shrunk.steps.size()) + ")\n" + scriptOf(shrunk) + "after step " +
+           std::to_string(mismatch.step) + " (- expected, + seen):\n" + mismatch.what;
+}
+
+std::optional<Failure> campaign(Flavour const& flavour, Effort const& effort, Tally& tally) {
+    LastWords lastWords;
+    for (U64 at = 0; at < effort.sequences; ++at) {
+        lastWords.seed = effort.firstSeed + at;
+        lastWords.sequence = sequenceOf(flavour, effort, lastWords.seed);
+        if (run(lastWords.sequence, {}, tally)) {
+            return failureOf(lastWords.sequence, lastWords.seed, {});
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Failure> campaignInChildren(Flavour const& flavour, Effort const& effort,
+                                          Beliefs const& beliefs) {
+    for (U64 at = 0; at < effort.sequences; ++at) {
+        U64 const seed = effort.firstSeed + at;
+        Sequence const sequence = sequenceOf(flavour, effort, seed);
+        if (runInChild(sequence, beliefs)) {
+            return failureOf(sequence, seed, beliefs);
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace ModelTest
