@@ -1,0 +1,37 @@
+#pragma once
+
+#include "input/LineSource.h"
+
+#include <functional>
+#include <string>
+
+namespace VpAgent {
+
+/// The lines of a script, or of standard input for the name `-`.
+///
+/// A line ends with a line feed, which the last one may lack. Reads 64 KiB at a time. Before each
+/// read, which may block as long as it takes somebody to write the next command, `beforeRead` is
+/// called.
+class FileLines final : public LineSource {
+public:
+    /// Opens the file. Throws `Refusal` when it cannot be read.
+    FileLines(std::string name, std::function<void()> beforeRead);
+    ~FileLines() override;
+    FileLines(FileLines const&) = delete;
+    FileLines& operator=(FileLines const&) = delete;
+
+    bool next(CommandLine& line) override;
+
+private:
+    bool readMore();
+    [[noreturn]] void refuse(int reason) const;
+
+    std::string name_;
+    std::function<void()> beforeRead_;
+    int file_;
+    std::string buffer_;
+    std::size_t at_ = 0; ///< of the next line in `buffer_`
+    std::size_t number_ = 0;
+};
+
+} // namespace VpAgent

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "output/Reporter.h"
+
+namespace VpAgent {
+
+/// Where commands come from, line by line.
+class LineSource {
+public:
+    virtual ~LineSource() = default;
+
+    /// Reads the next line into `line`, whose texts hold until the next call. False at the end.
+    /// Throws `Refusal` when reading fails.
+    virtual bool next(CommandLine& line) = 0;
+};
+
+} // namespace VpAgent

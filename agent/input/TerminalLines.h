@@ -1,0 +1,33 @@
+#pragma once
+
+#include "input/LineSource.h"
+
+#include <string>
+
+namespace VpAgent {
+
+class Agent;
+
+/// The lines that a person types, with a prompt, line editing, history and completion.
+///
+/// One at a time, since the line editor is one for the process.
+class TerminalLines final : public LineSource {
+public:
+    /// `agent` gives the names that are completed, and sends its reports before each prompt.
+    explicit TerminalLines(Agent const& agent);
+    ~TerminalLines() override;
+    TerminalLines(TerminalLines const&) = delete;
+    TerminalLines& operator=(TerminalLines const&) = delete;
+
+    /// Whether a person sits there: standard input and standard output are terminals.
+    static bool available();
+
+    bool next(CommandLine& line) override;
+
+private:
+    Agent const& agent_;
+    std::string text_;
+    std::size_t number_ = 0;
+};
+
+} // namespace VpAgent

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "language/Words.h"
+#include "pelo/Integers.h"
+#include "pelo/Parsed.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace VpAgent {
+
+/// The refusal of a word that is not what it should be: `bad INDEX "70000", expected a number from
+/// 0 to 65535`. The place is the part of the word that does not fit.
+Refusal badWord(std::string_view role, Word const& word, Pelo::ParseError const& error);
+
+/// The longest client name, in bytes.
+inline constexpr std::size_t longestName = 255;
+
+/// Why `text` is not a client name; nothing when it is one. A name has 1 to 255 bytes of UTF-8 and
+/// no control character.
+std::optional<Pelo::ParseError> nameFault(std::string_view text);
+
+/// Throws `Refusal` unless the word is a client name.
+void checkName(Word const& word);
+
+/// A VP index, 0 to 65535.
+U16 parseIndex(Word const& word);
+
+} // namespace VpAgent

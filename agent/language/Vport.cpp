@@ -1,0 +1,97 @@
+#include "language/Vport.h"
+
+#include "language/Parse.h"
+#include "text/Utf8.h"
+
+#include <optional>
+
+namespace VpAgent {
+
+namespace {
+
+constexpr U16 lowestVlan = 1;
+constexpr U16 highestVlan = 4094;
+
+std::optional<Pelo::ParseError> vlanFault(Bridging::VlanId vlan, std::size_t at) {
+    if (vlan.value() < lowestVlan || vlan.value() > highestVlan) {
+        return Pelo::ParseError{at, "a VLAN from 1 to 4094"};
+    }
+    return std::nullopt;
+}
+
+std::optional<Pelo::ParseError> rangeFault(Bridging::VlanId vlan, std::string_view) {
+    return vlanFault(vlan, 0);
+}
+
+std::optional<Pelo::ParseError> rangeFault(VornicCentral::PortVlanKey const& key,
+                                           std::string_view text) {
+    return vlanFault(key.vlan(), text.rfind(':') + 1);
+}
+
+std::optional<Pelo::ParseError> rangeFault(VornicCentral::RemoteVtepKey const&, std::string_view) {
+    return std::nullopt;
+}
+
+std::optional<Pelo::ParseError> rangeFault(Netzo::IntfId const&, std::string_view) {
+    return std::nullopt;
+}
+
+} // namespace
+
+template <class Kind> Pelo::Parsed<typename Kind::Key> parseKey(std::string_view text) {
+    auto key = Kind::Key::parse(text);
+    if (key) {
+        if (auto const fault = rangeFault(*key, text)) {
+            return *fault;
+        }
+    }
+    return key;
+}
+
+template Pelo::Parsed<VornicCentral::RemoteVtepKey>
+    parseKey<VornicCentral::RemoteVport>(std::string_view);
+template Pelo::Parsed<VornicCentral::RemoteVtepKey>
+    parseKey<VornicCentral::MlagRemoteVport>(std::string_view);
+template Pelo::Parsed<VornicCentral::PortVlanKey>
+    parseKey<VornicCentral::EdgeVport>(std::string_view);
+template Pelo::Parsed<Bridging::VlanId> parseKey<VornicCentral::VlanVport>(std::string_view);
+template Pelo::Parsed<Netzo::IntfId> parseKey<VornicCentral::EFilterDisableVport>(std::string_view);
+
+Vport Vport::parse(Word const& kindWord, Word const& keyWord) {
+    std::optional<Vport> vport;
+    VornicCentral::forEachKind([&](auto kind) {
+        using Kind = decltype(kind);
+        if (!vport && kindWord.text == Kind::word) {
+            auto key = parseKey<Kind>(keyWord.text);
+            if (!key) {
+                throw badWord(std::string(Kind::word) + " key", keyWord, key.error());
+            }
+            vport = of(kind, *std::move(key));
+        }
+    });
+    if (!vport) {
+        throw badWord("kind", kindWord, {0, kindWords()});
+    }
+    return *std::move(vport);
+}
+
+std::string Vport::text() const {
+    std::string text;
+    visit([&](auto kind, auto const& key) {
+        text = std::string(decltype(kind)::word) + ' ' + key.stringValue();
+    });
+    return text;
+}
+
+std::string kindWords() {
+    std::string words;
+    VornicCentral::forEachKind([&](auto kind) {
+        using Kind = decltype(kind);
+        bool const last = Kind::order + 1 == VornicCentral::kindCount;
+        words += words.empty() ? "" : last ? " or " : ", ";
+        words += Kind::word;
+    });
+    return words;
+}
+
+} // namespace VpAgent

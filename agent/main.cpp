@@ -1,0 +1,17 @@
+#include "Program.h"
+
+#include <exception>
+#include <iostream>
+
+int main(int argc, char** argv) {
+    try {
+        auto const options = VpAgent::readOptions(argc, argv);
+        if (int const* const status = std::get_if<int>(&options)) {
+            return *status;
+        }
+        return VpAgent::runProgram(std::get<VpAgent::Options>(options));
+    } catch (std::exception const& exception) {
+        std::cerr << "vpagent: " << exception.what() << '\n';
+        return VpAgent::failureStatus;
+    }
+}

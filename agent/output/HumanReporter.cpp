@@ -1,0 +1,117 @@
+#include "output/HumanReporter.h"
+
+#include "output/Dump.h"
+#include "text/Utf8.h"
+#include "view/VerifyAdvice.h"
+
+#include <algorithm>
+#include <type_traits>
+
+namespace VpAgent {
+
+namespace {
+
+void write(std::string&, std::monostate, Agent const&) {}
+
+void write(std::string&, QuitReply, Agent const&) {}
+
+void write(std::string& out, CallReply const& reply, Agent const&) {
+    std::visit(
+        [&](auto const& result) {
+            using Result = std::remove_cvref_t<decltype(result)>;
+            if constexpr (std::is_same_v<Result, bool>) {
+                out += result ? "true\n" : "false\n";
+            } else if constexpr (std::is_same_v<Result, U64>) {
+                out += std::to_string(result) + '\n';
+            } else if constexpr (std::is_same_v<Result, std::string>) {
+                out += printable(result) + '\n';
+            }
+        },
+        reply.result);
+}
+
+void write(std::string& out, VerifyReply const& reply, Agent const& agent) {
+    if (reply.passed) {
+        out += "verify: passed\n";
+        return;
+    }
+    out += "verify: FAILED: " + reply.assertion + "\n  in " + reply.function + '\n' +
+           verifyAdvice(reply, agent);
+}
+
+void write(std::string& out, ImportReply const& reply, Agent const&) {
+    std::string counts;
+    VornicCentral::forEachKind([&](auto kind) {
+        using Kind = decltype(kind);
+        std::size_t const count = reply.requests[Kind::order];
+        if (count != 0) {
+            counts += (counts.empty() ? "" : ", ") + std::to_string(count) + ' ' + Kind::word;
+        }
+    });
+    out += "import: client " + printable(reply.client) + ": " +
+           (counts.empty() ? "nothing to request" : counts) + '\n';
+}
+
+void write(std::string& out, TextReply const& reply, Agent const&) { out += reply.text + '\n'; }
+
+void write(std::string& out, DumpReply, Agent const& agent) {
+    JsonWriter json(out);
+    writeState(json, agent);
+    out += '\n';
+}
+
+} // namespace
+
+void HumanReporter::trace(U32 level, std::string_view text) {
+    output_.err() += "trace " + std::to_string(level) + ": " + printable(text) + '\n';
+    output_.lineDone();
+}
+
+void HumanReporter::log(std::string_view id, U32 severity, std::string_view text) {
+    output_.err() +=
+        printable(id) + " (severity " + std::to_string(severity) + "): " + printable(text) + '\n';
+    output_.lineDone();
+}
+
+void HumanReporter::done(CommandLine const&, std::string_view, Reply const& reply,
+                         Agent const& agent) {
+    bool const silent = std::holds_alternative<std::monostate>(reply.content) && reply.note.empty();
+    if (silent) {
+        return;
+    }
+    std::string& out = output_.out();
+    std::visit([&](auto const& content) { write(out, content, agent); }, reply.content);
+    if (!reply.note.empty()) {
+        out += printable(reply.note) + '\n';
+    }
+    output_.lineDone();
+}
+
+void HumanReporter::refused(CommandLine const& line, Refusal const& refusal) {
+    std::string& err = output_.err();
+    err += line.terminal ? "error" : printable(line.source) + ':' + std::to_string(line.number);
+    err += std::string(": ") + refusal.what() + '\n';
+    if (refusal.place()) {
+        err += markedLine(line.text, *refusal.place(), "    ");
+    }
+    output_.lineDone();
+}
+
+std::string markedLine(std::string_view line, Place place, std::string_view indent) {
+    std::string shown;
+    for (char const c : line) {
+        shown += c == '\t' ? ' ' : c;
+    }
+    std::size_t const at = std::min(place.at, shown.size());
+    std::size_t const end = std::min(place.at + place.length, shown.size());
+    std::string const before = printable(std::string_view(shown).substr(0, at));
+    std::string const marked = printable(std::string_view(shown).substr(at, end - at));
+    std::string const after = printable(std::string_view(shown).substr(end));
+    // A place at the very end stands behind a blank, where the missing word would be.
+    std::size_t const column = utf8Length(before) + (place.length == 0 ? 1 : 0);
+    std::size_t const width = std::max<std::size_t>(utf8Length(marked), 1);
+    return std::string(indent) + before + marked + after + '\n' + std::string(indent) +
+           std::string(column, ' ') + '^' + std::string(width - 1, '~') + '\n';
+}
+
+} // namespace VpAgent

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "output/Output.h"
+#include "output/Reporter.h"
+
+namespace VpAgent {
+
+/// Writes for people: results on standard output; traces, log messages and errors on standard
+/// error. A command that has nothing to say says nothing.
+class HumanReporter final : public Reporter {
+public:
+    explicit HumanReporter(Output& output) : output_(output) {}
+
+    void trace(U32 level, std::string_view text) override;
+    void log(std::string_view id, U32 severity, std::string_view text) override;
+    void done(CommandLine const& line, std::string_view command, Reply const& reply,
+              Agent const& agent) override;
+    void refused(CommandLine const& line, Refusal const& refusal) override;
+    void flush() noexcept override { output_.flush(); }
+
+private:
+    Output& output_;
+};
+
+/// The line with the place marked below it, both lines behind `indent`:
+///
+///     request bgp vlan 5000
+///                      ^~~~
+std::string markedLine(std::string_view line, Place place, std::string_view indent);
+
+} // namespace VpAgent

@@ -1,0 +1,93 @@
+#include "output/JsonWriter.h"
+
+#include "text/Utf8.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+namespace VpAgent {
+
+namespace {
+
+/// Whether the character stands for itself in a JSON text.
+bool isPlain(char c) noexcept {
+    auto const byte = static_cast<unsigned char>(c);
+    return byte >= 0x20 && byte < 0x7F && c != '"' && c != '\\';
+}
+
+/// Whether a terminal would act upon the text; JSON itself escapes only the characters below
+/// U+0020.
+bool holdsControl(std::string_view text) noexcept {
+    for (std::size_t at = 0; at < text.size();) {
+        Utf8Character const character = utf8At(text, at);
+        if (character.length != 0 && isControl(character.codePoint)) {
+            return true;
+        }
+        at += character.length == 0 ? 1 : character.length;
+    }
+    return false;
+}
+
+} // namespace
+
+JsonWriter& JsonWriter::key(std::string_view name) {
+    comma();
+    string(name);
+    out_ += ": ";
+    first_ = true;
+    return *this;
+}
+
+JsonWriter& JsonWriter::text(std::string_view value) {
+    comma();
+    string(value);
+    return *this;
+}
+
+JsonWriter& JsonWriter::number(U64 value) {
+    std::array<char, 20> digits{};
+    auto const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    return word({digits.data(), static_cast<std::size_t>(end - digits.data())});
+}
+
+JsonWriter& JsonWriter::open(char bracket) {
+    comma();
+    out_ += bracket;
+    first_ = true;
+    return *this;
+}
+
+JsonWriter& JsonWriter::close(char bracket) {
+    out_ += bracket;
+    first_ = false;
+    return *this;
+}
+
+JsonWriter& JsonWriter::word(std::string_view text) {
+    comma();
+    out_ += text;
+    return *this;
+}
+
+void JsonWriter::comma() {
+    if (!first_) {
+        out_ += ", ";
+    }
+    first_ = false;
+}
+
+void JsonWriter::string(std::string_view value) {
+    if (std::all_of(value.begin(), value.end(), isPlain)) {
+        out_ += '"';
+        out_ += value;
+        out_ += '"';
+        return;
+    }
+    nlohmann::json const json(value);
+    out_ += json.dump(-1, ' ', holdsControl(value), nlohmann::json::error_handler_t::replace);
+}
+
+} // namespace VpAgent

@@ -1,0 +1,209 @@
+#include "statefile/Opening.h"
+
+#include "statefile/Format.h"
+#include "statefile/Rows.h"
+#include "statefile/WalFile.h"
+#include "text/Refusal.h"
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+#include <system_error>
+
+namespace VpAgent {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char const* ownFile = "expected one that vpagent made";
+
+/// The header of an SQLite database: its size, the text at its front, and where its numbers stand.
+constexpr int headerSize = 100;
+constexpr std::string_view headerText("SQLite format 3\0", 16);
+constexpr std::size_t journalModeAt = 18;
+constexpr std::size_t versionAt = 60;
+constexpr std::size_t applicationAt = 68;
+
+using Header = std::array<unsigned char, headerSize>;
+
+U32 numberAt(Header const& header, std::size_t at) {
+    return U32{header[at]} << 24 | U32{header[at + 1]} << 16 | U32{header[at + 2]} << 8 |
+           header[at + 3];
+}
+
+bool isAllowed(fs::path const& path, int rights) {
+    return ::faccessat(AT_FDCWD, path.c_str(), rights, AT_EACCESS) == 0;
+}
+
+/// The absolute path, without symbolic links, of a file that may be written, or made.
+fs::path checkedPath(fs::path const& path) {
+    std::error_code error;
+    fs::file_status const status = fs::status(path, error);
+    if (path.empty() || (fs::exists(status) && !fs::is_regular_file(status))) {
+        throw Refusal("it is not a regular file, expected one, or none yet");
+    }
+    fs::path const resolved = fs::absolute(fs::weakly_canonical(path));
+    if (!isAllowed(resolved.parent_path(), W_OK | X_OK)) {
+        throw Refusal(std::string("no file can be made in its folder (") + std::strerror(errno) +
+                      "), expected a folder that may be written");
+    }
+    if (fs::exists(status) && !isAllowed(resolved, R_OK | W_OK)) {
+        throw Refusal(std::string("it may not be read and written (") + std::strerror(errno) +
+                      "), expected a file that may");
+    }
+    return resolved;
+}
+
+bool hasContent(fs::path const& path) {
+    std::error_code error;
+    auto const size = fs::file_size(path, error);
+    return !error && size != 0;
+}
+
+void checkNumbers(U32 application, U32 version) {
+    if (application != applicationId) {
+        std::array<char, 16> hex{};
+        std::snprintf(hex.data(), hex.size(), "0x%08X", application);
+        throw Refusal("it is the SQLite database of another program (application id " +
+                      std::string(hex.data()) + "), " + ownFile);
+    }
+    if (version != formatVersion) {
+        throw Refusal("its format is version " + std::to_string(version) +
+                      (version > formatVersion ? ", of a newer vpagent" : "") +
+                      ", expected version " + std::to_string(formatVersion));
+    }
+}
+
+/// Looks at the file below all that SQLite makes of its content, so that a file of another kind is
+/// not even locked. True when the file may turn out to be empty: as it is, or because its making was
+/// cut off. That ends with the change to a write-ahead log.
+bool checkHeader(Connection& connection) {
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    sqlite3_int64 size = 0;
+    Header header{};
+    int code = file->pMethods->xFileSize(file, &size);
+    if (code == SQLITE_OK && size >= headerSize) {
+        code = file->pMethods->xRead(file, header.data(), headerSize, 0);
+    }
+    if (code != SQLITE_OK) {
+        throw Refusal("its header cannot be read, expected a readable file");
+    }
+    if (size == 0) {
+        return true;
+    }
+    if (!std::equal(headerText.begin(), headerText.end(), header.begin())) {
+        throw Refusal(std::string("it is not an SQLite database, ") + ownFile);
+    }
+    checkNumbers(numberAt(header, applicationAt), numberAt(header, versionAt));
+    constexpr unsigned char writeAheadLog = 2;
+    return header[journalModeAt] != writeAheadLog;
+}
+
+void leaveLogAlone(Connection& connection, bool alone) {
+    sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, alone ? 1 : 0,
+                      nullptr);
+}
+
+/// The tables that a file of this version has.
+std::string const& expectedTables() {
+    static std::string const tables = [] {
+        Connection memory(":memory:");
+        makeTables(memory);
+        return tablesOf(memory);
+    }();
+    return tables;
+}
+
+} // namespace
+
+OpenFile::LogGuard::LogGuard(fs::path const& log) : log_(log), active_(!fs::exists(log)) {}
+
+OpenFile::LogGuard::~LogGuard() {
+    std::error_code ignored;
+    if (active_ && !hasContent(log_)) {
+        fs::remove(log_, ignored);
+    }
+}
+
+OpenFile::OpenFile(fs::path const& path)
+    : path_(checkedPath(path)),
+      log_(path_.string() + "-wal"),
+      connection_(path_.string()),
+      guard_(log_) {
+    leaveLogAlone(connection_, true);
+    if (checkHeader(connection_)) {
+        makeIfEmpty();
+    }
+    lock();
+    checkContent();
+}
+
+/// In one transaction, which a rollback journal guards. Reading takes back what a run wrote that
+/// was cut off while it made the file.
+void OpenFile::makeIfEmpty() {
+    if (!hasContent(path_) && hasContent(log_)) {
+        throw Refusal("it is empty, but " + log_.filename().string() +
+                      " beside it is not, expected both or neither");
+    }
+    if (connection_.number("PRAGMA page_count") != 0) {
+        return;
+    }
+    connection_.run("BEGIN EXCLUSIVE");
+    if (connection_.number("SELECT count(*) FROM sqlite_schema") == 0) {
+        makeTables(connection_);
+    }
+    connection_.run("COMMIT");
+}
+
+void OpenFile::lock() {
+    connection_.run("PRAGMA locking_mode = EXCLUSIVE");
+    try {
+        connection_.number("SELECT count(*) FROM sqlite_schema");
+    } catch (SqliteError const& error) {
+        if (error.busy()) {
+            guard_.release(); // the log is that of the program that uses the file
+        }
+        throw;
+    }
+    // Nothing is written but the file and its log, and to the log only at a commit.
+    connection_.run("PRAGMA temp_store = MEMORY; PRAGMA cache_spill = OFF;"
+                    "PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON");
+}
+
+void OpenFile::checkContent() {
+    checkWal(log_.string());
+    checkNumbers(static_cast<U32>(connection_.number("PRAGMA application_id")),
+                 static_cast<U32>(connection_.number("PRAGMA user_version")));
+    if (tablesOf(connection_) != expectedTables()) {
+        throw Damage("its tables are not those of a state file");
+    }
+    std::string const found = connection_.text("PRAGMA integrity_check(1)");
+    if (found != "ok") {
+        throw Damage(found);
+    }
+}
+
+void OpenFile::accept() {
+    leaveLogAlone(connection_, false);
+    guard_.release();
+    if (connection_.text("PRAGMA journal_mode = WAL") != "wal") {
+        throw Refusal("it cannot have a write-ahead log, expected a file on a local disk");
+    }
+    connection_.run("PRAGMA synchronous = FULL; PRAGMA journal_size_limit = 4194304;"
+                    // A new mode leaves a read under way, which the next transaction ends.
+                    "BEGIN IMMEDIATE; COMMIT;"
+                    // Each run begins a log of its own, so that `checkWal` never meets the remains
+                    // of more than one transaction that was cut off.
+                    "PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
+} // namespace VpAgent

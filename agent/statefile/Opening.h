@@ -1,0 +1,53 @@
+#pragma once
+
+#include "statefile/Sqlite.h"
+
+#include <filesystem>
+#include <string>
+
+namespace VpAgent {
+
+/// A state file that this program has to itself, and that passed all checks but that of its rows.
+///
+/// Until `accept` the file stays byte for byte as it is, and nothing is left beside it; but a file
+/// that is not there or empty is made new. The constructor throws `Refusal`, `SqliteError` or
+/// `Damage`, none of which names the file.
+///
+/// The lock is SQLite's own, in its exclusive locking mode: taken with the first read, held until
+/// the connection is closed, and gone with the process however that ends, even while a forked copy
+/// of it lives on. (A lock by `flock` would stay for as long as any copy has the file open.)
+class OpenFile {
+public:
+    explicit OpenFile(std::filesystem::path const& path);
+
+    Connection& connection() noexcept { return connection_; }
+
+    /// The rows are good as well: from now on the file may be written.
+    void accept();
+
+private:
+    /// Removes the empty log that reading makes, unless it was there before.
+    class LogGuard {
+    public:
+        explicit LogGuard(std::filesystem::path const& log);
+        ~LogGuard();
+        LogGuard(LogGuard const&) = delete;
+        LogGuard& operator=(LogGuard const&) = delete;
+        void release() noexcept { active_ = false; }
+
+    private:
+        std::filesystem::path const& log_;
+        bool active_;
+    };
+
+    void makeIfEmpty();
+    void lock();
+    void checkContent();
+
+    std::filesystem::path path_;
+    std::filesystem::path log_;
+    Connection connection_;
+    LogGuard guard_;
+};
+
+} // namespace VpAgent

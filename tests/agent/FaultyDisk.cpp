@@ -1,0 +1,146 @@
+#include "agent/FaultyDisk.h"
+
+#include <sqlite3.h>
+
+namespace VpAgentTest {
+
+namespace {
+
+struct Plan {
+    bool armed = false;
+    unsigned left = 0; ///< operations that still succeed
+    int code = SQLITE_OK;
+    bool forEver = false;
+    bool failed = false;
+
+    /// The code with which the next operation fails; `SQLITE_OK` when it does not.
+    int next() {
+        if (!armed) {
+            return SQLITE_OK;
+        }
+        if (left != 0) {
+            --left;
+            return SQLITE_OK;
+        }
+        if (failed && !forEver) {
+            return SQLITE_OK;
+        }
+        failed = true;
+        return code;
+    }
+};
+
+Plan plan;
+
+/// A file of ours; that of the disk below stands behind it.
+struct File {
+    sqlite3_file base;
+    sqlite3_int64 alignment;
+};
+
+sqlite3_file* below(sqlite3_file* file) {
+    return reinterpret_cast<sqlite3_file*>(reinterpret_cast<char*>(file) + sizeof(File));
+}
+
+int closeFile(sqlite3_file* file) {
+    sqlite3_file* const real = below(file);
+    return real->pMethods == nullptr ? SQLITE_OK : real->pMethods->xClose(real);
+}
+int readFile(sqlite3_file* file, void* bytes, int count, sqlite3_int64 at) {
+    return below(file)->pMethods->xRead(below(file), bytes, count, at);
+}
+int writeFile(sqlite3_file* file, void const* bytes, int count, sqlite3_int64 at) {
+    int const code = plan.next();
+    return code != SQLITE_OK ? code : below(file)->pMethods->xWrite(below(file), bytes, count, at);
+}
+int truncateFile(sqlite3_file* file, sqlite3_int64 size) {
+    int const code = plan.next();
+    return code != SQLITE_OK ? code : below(file)->pMethods->xTruncate(below(file), size);
+}
+int syncFile(sqlite3_file* file, int flags) {
+    int const code = plan.next();
+    return code != SQLITE_OK ? code : below(file)->pMethods->xSync(below(file), flags);
+}
+int sizeOfFile(sqlite3_file* file, sqlite3_int64* size) {
+    return below(file)->pMethods->xFileSize(below(file), size);
+}
+int lockFile(sqlite3_file* file, int lock) {
+    return below(file)->pMethods->xLock(below(file), lock);
+}
+int unlockFile(sqlite3_file* file, int lock) {
+    return below(file)->pMethods->xUnlock(below(file), lock);
+}
+int checkLock(sqlite3_file* file, int* locked) {
+    return below(file)->pMethods->xCheckReservedLock(below(file), locked);
+}
+int controlFile(sqlite3_file* file, int operation, void* argument) {
+    return below(file)->pMethods->xFileControl(below(file), operation, argument);
+}
+int sectorSize(sqlite3_file* file) { return below(file)->pMethods->xSectorSize(below(file)); }
+int characteristics(sqlite3_file* file) {
+    return below(file)->pMethods->xDeviceCharacteristics(below(file));
+}
+
+/// Version 1: no shared memory and no mapping, so that every change comes through here.
+constexpr sqlite3_io_methods methods = [] {
+    sqlite3_io_methods all{};
+    all.iVersion = 1;
+    all.xClose = closeFile;
+    all.xRead = readFile;
+    all.xWrite = writeFile;
+    all.xTruncate = truncateFile;
+    all.xSync = syncFile;
+    all.xFileSize = sizeOfFile;
+    all.xLock = lockFile;
+    all.xUnlock = unlockFile;
+    all.xCheckReservedLock = checkLock;
+    all.xFileControl = controlFile;
+    all.xSectorSize = sectorSize;
+    all.xDeviceCharacteristics = characteristics;
+    return all;
+}();
+
+sqlite3_vfs* realVfs(sqlite3_vfs* vfs) { return static_cast<sqlite3_vfs*>(vfs->pAppData); }
+
+int openFile(sqlite3_vfs* vfs, char const* name, sqlite3_file* file, int flags, int* outFlags) {
+    file->pMethods = nullptr;
+    int const code = realVfs(vfs)->xOpen(realVfs(vfs), name, below(file), flags, outFlags);
+    if (code == SQLITE_OK) {
+        file->pMethods = &methods;
+    }
+    return code;
+}
+
+int deleteFile(sqlite3_vfs* vfs, char const* name, int syncFolder) {
+    int const code = plan.next();
+    return code != SQLITE_OK ? code : realVfs(vfs)->xDelete(realVfs(vfs), name, syncFolder);
+}
+
+} // namespace
+
+FaultyDisk::FaultyDisk() : vfs_(new sqlite3_vfs(*sqlite3_vfs_find(nullptr))) {
+    vfs_->pAppData = sqlite3_vfs_find(nullptr);
+    vfs_->zName = "faulty";
+    vfs_->szOsFile += static_cast<int>(sizeof(File));
+    vfs_->xOpen = openFile;
+    vfs_->xDelete = deleteFile;
+    plan = Plan();
+    sqlite3_vfs_register(vfs_, 1);
+}
+
+FaultyDisk::~FaultyDisk() {
+    sqlite3_vfs_register(realVfs(vfs_), 1);
+    sqlite3_vfs_unregister(vfs_);
+    delete vfs_;
+}
+
+void FaultyDisk::failAt(unsigned at, Fault fault, Lasting lasting) {
+    plan = {true, at, fault == Fault::full ? SQLITE_FULL : SQLITE_IOERR,
+            lasting == Lasting::forEver, false};
+}
+
+void FaultyDisk::repair() { plan.armed = false; }
+
+bool FaultyDisk::failed() const { return plan.failed; }
+
+} // namespace VpAgentTest

@@ -1,0 +1,33 @@
+#pragma once
+
+struct sqlite3_vfs;
+
+namespace VpAgentTest {
+
+/// A disk under SQLite on which, from the n-th operation on that would change it, every such
+/// operation fails, or only that one.
+///
+/// While it lives it stands between SQLite and the files of every connection that is opened.
+class FaultyDisk {
+public:
+    enum class Fault { full, broken };
+    enum class Lasting { once, forEver };
+
+    FaultyDisk();
+    ~FaultyDisk();
+    FaultyDisk(FaultyDisk const&) = delete;
+    FaultyDisk& operator=(FaultyDisk const&) = delete;
+
+    /// The operation numbered `at` from now on fails, counted from 0.
+    void failAt(unsigned at, Fault fault, Lasting lasting);
+    /// No operation fails any more.
+    void repair();
+
+    /// Whether an operation failed since `failAt`.
+    bool failed() const;
+
+private:
+    sqlite3_vfs* vfs_;
+};
+
+} // namespace VpAgentTest

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "state/Agent.h"
+#include "statefile/StateFile.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace VpAgentTest {
+
+/// Hears nothing.
+class QuietReporter final : public VpAgent::Reporter {
+public:
+    void trace(U32, std::string_view) override {}
+    void log(std::string_view, U32, std::string_view) override {}
+    void done(VpAgent::CommandLine const&, std::string_view, VpAgent::Reply const&,
+              VpAgent::Agent const&) override {}
+    void refused(VpAgent::CommandLine const&, VpAgent::Refusal const&) override {}
+    void flush() noexcept override {}
+};
+
+/// A database that is kept in a state file.
+class KeptAgent {
+public:
+    /// Throws `Refusal` when the file is refused.
+    explicit KeptAgent(std::filesystem::path const& path)
+        : agent(reporter, {}), file(VpAgent::StateFile::open(path, agent.database)) {}
+
+    VpAgent::Database& database() { return agent.database; }
+    void commit() { file->commit(); }
+
+    /// Everything that a state file has to keep, as one text.
+    std::string content() const;
+
+private:
+    QuietReporter reporter;
+
+public:
+    VpAgent::Agent agent;
+    std::unique_ptr<VpAgent::StateFile> file;
+};
+
+/// The same of a database that is in memory only.
+std::string contentOf(VpAgent::Agent const& agent);
+
+/// What the file refuses to be opened with; empty when it is opened.
+std::string refusalOf(std::filesystem::path const& path);
+
+/// The bytes of a file; empty when there is none.
+std::string bytesOf(std::filesystem::path const& path);
+
+} // namespace VpAgentTest

@@ -1,0 +1,252 @@
+#include "agent/KillableRun.h"
+#include "agent/RunVpagent.h"
+#include "agent/State.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <memory>
+#include <optional>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace VpAgentTest {
+namespace {
+
+using Commands = std::vector<std::string>;
+
+class Chance {
+public:
+    explicit Chance(unsigned seed) : random_(seed) {}
+
+    unsigned below(unsigned bound) {
+        return std::uniform_int_distribution<unsigned>(0, bound - 1)(random_);
+    }
+    bool oneIn(unsigned count) { return below(count) == 0; }
+
+private:
+    std::mt19937 random_;
+};
+
+/// Makes commands of a small world: a table of a few indices that clients compete for.
+class Script {
+public:
+    explicit Script(Chance& chance) : chance_(chance) {}
+
+    /// The clients whose configs are in the directory, so that a `dump` shows what they request.
+    void listedAre(std::set<std::string> names) { listed_ = std::move(names); }
+
+    std::string next() {
+        unsigned const what = chance_.below(100);
+        if (what < 65 && !listed_.empty()) {
+            std::string const client = listedName();
+            return (what < 45 ? "request " : "withdraw ") + client + ' ' + vport();
+        }
+        if (what < 75) {
+            return ofClients();
+        }
+        static char const* const others[] = {"start table-size=13",
+                                             "start table-size=18",
+                                             "stop",
+                                             "restart",
+                                             "restart table-size=15",
+                                             "save-boot",
+                                             "clear boot",
+                                             "clear-stale",
+                                             "begin",
+                                             "begin",
+                                             "commit",
+                                             "commit",
+                                             "commit",
+                                             "verify",
+                                             "clear waiting",
+                                             "drop reference vlan 1",
+                                             "nonsense"};
+        return others[chance_.below(std::size(others))];
+    }
+
+private:
+    std::string listedName() {
+        auto it = listed_.begin();
+        std::advance(it, chance_.below(static_cast<unsigned>(listed_.size())));
+        return *it;
+    }
+
+    std::string ofClients() {
+        std::string const name(1, static_cast<char>('a' + chance_.below(4)));
+        unsigned const what = chance_.below(6);
+        if (what < 4) {
+            listed_.insert(name);
+            return "client add " + name;
+        }
+        listed_.erase(name);
+        return (what == 4 ? "client remove " : "client retire ") + name;
+    }
+
+    std::string vport() {
+        std::string const number = std::to_string(1 + chance_.below(4));
+        switch (chance_.below(5)) {
+        case 0:
+            return "remote 10.0.0." + number + "@17";
+        case 1:
+            return "mlag 2001:db8::" + number + "@17";
+        case 2:
+            return "edge Ethernet" + number + ":100";
+        case 3:
+            return "efilter \"Port " + number + "\"";
+        default:
+            return "vlan " + number;
+        }
+    }
+
+    Chance& chance_;
+    std::set<std::string> listed_;
+};
+
+/// The same commands in memory, where a kill takes back what a state file does not keep.
+class Memory {
+public:
+    Memory() { replay(); }
+
+    /// False when the command ends the program; it has then no effect.
+    bool apply(std::string const& command) {
+        run_->write(command + '\n');
+        if (!run_->readAnswers(run_->answers().size() + 1)) {
+            replay();
+            return false;
+        }
+        history_.push_back(command);
+        bool const done = run_->answers().back().starts_with("{\"ok\"");
+        if (done && command == "begin") {
+            unit_ = history_.size() - 1;
+        } else if (done && command == "commit") {
+            unit_.reset();
+        }
+        if (!unit_) {
+            durable_ = run_->database();
+        }
+        return true;
+    }
+
+    void kill() {
+        if (unit_) {
+            history_.resize(*unit_);
+            unit_.reset();
+            replay();
+        }
+        apply("stop");
+    }
+
+    /// What a state file holds now.
+    std::string const& durable() const noexcept { return durable_; }
+
+private:
+    void replay() {
+        run_ = std::make_unique<KillableRun>("");
+        for (std::string const& command : history_) {
+            run_->write(command + '\n');
+        }
+        ASSERT_TRUE(run_->readAnswers(history_.size()));
+        if (!unit_) {
+            durable_ = run_->database();
+        }
+    }
+
+    std::unique_ptr<KillableRun> run_;
+    Commands history_;
+    std::optional<std::size_t> unit_; ///< where in the history the open unit begins
+    std::string durable_;
+};
+
+/// One state file through a life of kills.
+class RandomKill : public testing::TestWithParam<unsigned> {
+protected:
+    RandomKill() : chance_(GetParam()), script_(chance_) {}
+
+    std::string path() const { return (folder_.path() / "state").string(); }
+
+    /// Starts a run, which must find all that was acknowledged, and what was under way as a whole
+    /// or not at all.
+    std::unique_ptr<KillableRun> nextRun() {
+        auto run = std::make_unique<KillableRun>(path());
+        std::string const database = run->database();
+        resolve(database);
+        std::set<std::string> listed;
+        for (auto const& [name, config] : Json::parse(database).at("config").items()) {
+            listed.insert(name);
+        }
+        script_.listedAre(std::move(listed));
+        return run;
+    }
+
+    /// Finds out with which of the commands that were sent the killed run had ended.
+    void resolve(std::string const& database) {
+        std::size_t count = 0;
+        while (count < answered_) {
+            ASSERT_TRUE(memory_.apply(sent_[count++]));
+        }
+        while (database != memory_.durable() && count < sent_.size() &&
+               memory_.apply(sent_[count])) {
+            ++count;
+        }
+        ASSERT_EQ(database, memory_.durable()) << answered_ << " of " << sent_.size();
+        memory_.kill();
+    }
+
+    void sendAndKill(KillableRun& run, bool early) {
+        std::size_t const before = run.answers().size();
+        sent_.clear();
+        std::string text;
+        for (unsigned count = 1 + chance_.below(30); count != 0; --count) {
+            sent_.push_back(script_.next());
+            text += sent_.back() + '\n';
+        }
+        run.write(text);
+        if (early) {
+            wait(20000);
+        } else if (chance_.oneIn(5)) {
+            run.readAnswers(before + sent_.size());
+            run.endInput();
+            wait(4000);
+        } else {
+            run.readAnswers(before + chance_.below(static_cast<unsigned>(sent_.size()) + 1));
+            wait(3000);
+        }
+        run.kill();
+        answered_ = run.answers().size() - before;
+    }
+
+    void wait(unsigned microseconds) { ::usleep(chance_.below(microseconds)); }
+
+    TemporaryFolder folder_;
+    Chance chance_;
+    Script script_;
+    Memory memory_;
+    Commands sent_;
+    std::size_t answered_ = 0;
+};
+
+TEST_P(RandomKill, LosesNothingThatWasAcknowledged) {
+    constexpr int rounds = 40;
+    for (int round = 0; round < rounds; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        auto run = nextRun();
+        if (HasFatalFailure()) {
+            return;
+        }
+        bool const early = chance_.oneIn(4);
+        if (early) {
+            run->kill();
+            run = std::make_unique<KillableRun>(path());
+        }
+        sendAndKill(*run, early);
+    }
+    nextRun();
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomKill, testing::Range(1u, 9u));
+
+} // namespace
+} // namespace VpAgentTest

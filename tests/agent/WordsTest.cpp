@@ -1,0 +1,131 @@
+#include "language/Words.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace VpAgent {
+namespace {
+
+std::vector<std::string> wordsOf(std::string_view line) {
+    Words words;
+    words.read(line);
+    std::vector<std::string> texts;
+    for (Word const& word : words.all()) {
+        texts.emplace_back(word.text);
+    }
+    return texts;
+}
+
+/// The message and the place of the refusal of a line.
+std::tuple<std::string, std::size_t, std::size_t> refusalOf(std::string_view line) {
+    try {
+        wordsOf(line);
+    } catch (Refusal const& refusal) {
+        Place const place = refusal.place().value_or(Place{999, 999});
+        return {refusal.what(), place.at, place.length};
+    }
+    return {"not refused", 0, 0};
+}
+
+using Texts = std::vector<std::string>;
+using At = std::tuple<std::string, std::size_t, std::size_t>;
+
+TEST(Words, StandApartByBlanksAndTabs) {
+    EXPECT_EQ(wordsOf("request bgp\tvlan   100"), (Texts{"request", "bgp", "vlan", "100"}));
+    EXPECT_EQ(wordsOf("  \t dump \t "), (Texts{"dump"}));
+    EXPECT_EQ(wordsOf(""), Texts{});
+    EXPECT_EQ(wordsOf(" \t"), Texts{});
+}
+
+TEST(Words, EndWhereACommentBegins) {
+    EXPECT_EQ(wordsOf("# client add a"), Texts{});
+    EXPECT_EQ(wordsOf("dump # now"), (Texts{"dump"}));
+    EXPECT_EQ(wordsOf("dump# now"), (Texts{"dump"}));
+    EXPECT_EQ(wordsOf("echo \"a#b\"#c"), (Texts{"echo", "a#b"}));
+    EXPECT_EQ(wordsOf("dump # \"open quote, \x01 and \xff"), (Texts{"dump"}));
+}
+
+TEST(Words, InQuotesHoldBlanksQuotesAndBackslashes) {
+    EXPECT_EQ(wordsOf(R"(echo "a b" "" "\"" "\\" "x\\\"y")"),
+              (Texts{"echo", "a b", "", "\"", "\\", "x\\\"y"}));
+}
+
+TEST(Words, KeepABackslashOutsideQuotes) {
+    EXPECT_EQ(wordsOf(R"(a\b \)"), (Texts{R"(a\b)", R"(\)"}));
+}
+
+TEST(Words, MayBeAnyUtf8) {
+    EXPECT_EQ(wordsOf("client add Z\xC3\xBCrich"), (Texts{"client", "add", "Z\xC3\xBCrich"}));
+}
+
+TEST(Words, AreRefusedWithTheirPlace) {
+    EXPECT_EQ(
+        refusalOf("echo \"abc"),
+        (At{"the quote is not closed, expected another \" before the end of the line", 5, 4}));
+    EXPECT_EQ(refusalOf("echo a\"b"),
+              (At{"a quote inside a word, expected a blank before the quote", 6, 1}));
+    EXPECT_EQ(refusalOf("echo \"a\"b"),
+              (At{"text behind a closing quote, expected a blank", 8, 1}));
+    EXPECT_EQ(refusalOf(R"(echo "a\n")"),
+              (At{R"(a backslash in quotes, expected \" or \\)", 7, 1}));
+    EXPECT_EQ(refusalOf("echo \"a\\"), (At{R"(a backslash in quotes, expected \" or \\)", 7, 1}));
+}
+
+TEST(Words, HoldNoControlCharacters) {
+    EXPECT_EQ(refusalOf("echo a\x1b[2J"),
+              (At{"a control character (0x1B), expected printable text", 6, 1}));
+    EXPECT_EQ(refusalOf("dump\r"),
+              (At{"a control character (0x0D), expected printable text", 4, 1}));
+    EXPECT_EQ(refusalOf("echo \"\x7f\""),
+              (At{"a control character (0x7F), expected printable text", 6, 1}));
+    EXPECT_EQ(refusalOf(std::string_view("echo a\0b", 8)),
+              (At{"a control character (0x00), expected printable text", 6, 1}));
+    // U+009B acts as an escape on some terminals.
+    EXPECT_EQ(refusalOf("echo \xC2\x9B"),
+              (At{"a control character (0xC2), expected printable text", 5, 1}));
+}
+
+TEST(Words, HoldNoBytesThatAreNotUtf8) {
+    std::string const message = "a byte that is not UTF-8 (0xC3), expected printable text";
+    EXPECT_EQ(refusalOf("echo \xC3"), (At{message, 5, 1}));
+    EXPECT_EQ(refusalOf("echo \xC3 b"), (At{message, 5, 1}));
+    EXPECT_EQ(refusalOf("echo \"\xC3\""), (At{message, 6, 1}));
+    EXPECT_EQ(std::get<0>(refusalOf("\xC0\xAF")),
+              "a byte that is not UTF-8 (0xC0), expected printable text");
+    EXPECT_EQ(std::get<0>(refusalOf("\xED\xA0\x80")),
+              "a byte that is not UTF-8 (0xED), expected printable text");
+    EXPECT_EQ(std::get<0>(refusalOf("\xF4\x90\x80\x80")),
+              "a byte that is not UTF-8 (0xF4), expected printable text");
+}
+
+TEST(Words, KnowWhereAPartOfThemStands) {
+    Words words;
+    words.read(R"(put "a\"b:5000" Eth:7)");
+    EXPECT_EQ(words.all()[1].place(), (Place{4, 11}));
+    EXPECT_EQ(words.all()[1].placeFrom(4), (Place{10, 5})); // 5000"
+    EXPECT_EQ(words.all()[2].placeFrom(4), (Place{20, 1}));
+    EXPECT_EQ(words.end(), 21u);
+}
+
+TEST(Words, AreReadAnewFromEachLine) {
+    Words words;
+    words.read(R"("a\\b" "c\"d")");
+    words.read(R"("e\\f")");
+    ASSERT_EQ(words.all().size(), 1u);
+    EXPECT_EQ(words.all()[0].text, "e\\f");
+}
+
+TEST(Words, AreQuotedWhereTheyHaveToBe) {
+    EXPECT_EQ(asWord("Ethernet1/1"), "Ethernet1/1");
+    EXPECT_EQ(asWord(""), R"("")");
+    EXPECT_EQ(asWord("port 7"), R"("port 7")");
+    EXPECT_EQ(asWord("a#b"), R"("a#b")");
+    EXPECT_EQ(asWord(R"(a"b\c)"), R"("a\"b\\c")");
+    EXPECT_EQ(wordsOf(asWord(R"(a"b\ c#)")), (Texts{R"(a"b\ c#)"}));
+}
+
+} // namespace
+} // namespace VpAgent
