@@ -45,19 +45,20 @@ bool Session::execute(CommandLine const& line) {
     bool const unitWasOpen = agent_.unitOpen;
     Reply reply = command.run(agent_, arguments);
     reply.pending = unitWasOpen && agent_.unitOpen;
-    keepChanges();
+    bool const kept = keepChanges();
     agent_.reporter.done(line, command.word, reply, agent_);
+    if (kept) {
+        agent_.reporter.flush(); // so that no more than one command is on disk and not acknowledged
+    }
 
     auto const* const verified = std::get_if<VerifyReply>(&reply.content);
     verifyFailed_ = verifyFailed_ || (verified != nullptr && !verified->passed);
     return !std::holds_alternative<QuitReply>(reply.content);
 }
 
-/// Brings what commands changed to disk, unless `commit` will.
-void Session::keepChanges() {
-    if (stateFile_ != nullptr && !agent_.unitOpen) {
-        stateFile_->commit();
-    }
+/// Brings what commands changed to disk, unless `commit` will. Whether there was anything.
+bool Session::keepChanges() {
+    return stateFile_ != nullptr && !agent_.unitOpen && stateFile_->commit();
 }
 
 } // namespace VpAgent

@@ -26,7 +26,7 @@ public:
 private:
     bool runLine(CommandLine const& line);
     bool execute(CommandLine const& line);
-    void keepChanges();
+    bool keepChanges();
 
     Agent& agent_;
     bool keepGoing_;

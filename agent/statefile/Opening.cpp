@@ -51,13 +51,13 @@ fs::path checkedPath(fs::path const& path) {
         throw Refusal("it is not a regular file, expected one, or none yet");
     }
     fs::path const resolved = fs::absolute(fs::weakly_canonical(path));
-    if (!isAllowed(resolved.parent_path(), W_OK | X_OK)) {
-        throw Refusal(std::string("no file can be made in its folder (") + std::strerror(errno) +
-                      "), expected a folder that may be written");
-    }
     if (fs::exists(status) && !isAllowed(resolved, R_OK | W_OK)) {
         throw Refusal(std::string("it may not be read and written (") + std::strerror(errno) +
                       "), expected a file that may");
+    }
+    if (!isAllowed(resolved.parent_path(), W_OK | X_OK)) {
+        throw Refusal(std::string("no file can be made in its folder (") + std::strerror(errno) +
+                      "), expected a folder that may be written");
     }
     return resolved;
 }
@@ -83,8 +83,8 @@ void checkNumbers(U32 application, U32 version) {
 }
 
 /// Looks at the file below all that SQLite makes of its content, so that a file of another kind is
-/// not even locked. True when the file may turn out to be empty: as it is, or because its making was
-/// cut off. That ends with the change to a write-ahead log.
+/// not even locked. True when the file may turn out to be empty: as it is, or because its making
+/// was cut off. That ends with the change to a write-ahead log.
 bool checkHeader(Connection& connection) {
     sqlite3_file* file = nullptr;
     sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);

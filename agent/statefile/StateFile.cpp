@@ -46,9 +46,9 @@ StateFile::StateFile(std::filesystem::path const& path, Database& database)
     file_.accept();
 }
 
-void StateFile::commit() {
+bool StateFile::commit() {
     if (tracker_.empty()) {
-        return;
+        return false;
     }
     try {
         begin_.run();
@@ -59,6 +59,7 @@ void StateFile::commit() {
                              " cannot be written: " + printable(error.what()));
     }
     tracker_.clear();
+    return true;
 }
 
 } // namespace VpAgent

@@ -41,12 +41,12 @@ public:
     /// filled.
     static std::unique_ptr<StateFile> open(std::filesystem::path const& path, Database& database);
 
-    /// Brings all changes since the last commit to disk.
+    /// Brings all changes since the last commit to disk. False when there were none.
     ///
     /// Throws `StateFileError` when that fails, and must not be called again then. The file holds
     /// what it held before, and the database is ahead of it. Only when the very end of the commit
     /// fails may the next run find the changes there after all; it finds all of them or none.
-    void commit();
+    bool commit();
 
 private:
     StateFile(std::filesystem::path const& path, Database& database);

@@ -174,48 +174,69 @@ protected:
         std::string const database = run->database();
         resolve(database);
         std::set<std::string> listed;
-        for (auto const& [name, config] : Json::parse(database).at("config").items()) {
+        Json const parsed = Json::parse(database); // the walk below does not keep it
+        for (auto const& [name, config] : parsed.at("config").items()) {
             listed.insert(name);
         }
         script_.listedAre(std::move(listed));
         return run;
     }
 
-    /// Finds out with which of the commands that were sent the killed run had ended.
+    /// Finds out with which of the commands that were sent the killed run had ended: with the last
+    /// one that was answered, or with the next one that changed the file.
     void resolve(std::string const& database) {
         std::size_t count = 0;
         while (count < answered_) {
             ASSERT_TRUE(memory_.apply(sent_[count++]));
         }
-        while (database != memory_.durable() && count < sent_.size() &&
-               memory_.apply(sent_[count])) {
+        std::string const acknowledged = memory_.durable();
+        while (database != memory_.durable() && memory_.durable() == acknowledged &&
+               count < sent_.size() && memory_.apply(sent_[count])) {
             ++count;
         }
         ASSERT_EQ(database, memory_.durable()) << answered_ << " of " << sent_.size();
         memory_.kill();
     }
 
+    /// Sends commands in one of several ways, and kills the run at some moment.
     void sendAndKill(KillableRun& run, bool early) {
+        makeCommands();
         std::size_t const before = run.answers().size();
-        sent_.clear();
-        std::string text;
-        for (unsigned count = 1 + chance_.below(30); count != 0; --count) {
-            sent_.push_back(script_.next());
-            text += sent_.back() + '\n';
-        }
-        run.write(text);
-        if (early) {
-            wait(20000);
-        } else if (chance_.oneIn(5)) {
+        unsigned const way = chance_.below(3);
+        if (early || way == 0) {
+            run.write(all());
+            wait(early ? 20000 : 8000);
+        } else if (way == 1) {
+            run.write(all());
             run.readAnswers(before + sent_.size());
             run.endInput();
             wait(4000);
         } else {
-            run.readAnswers(before + chance_.below(static_cast<unsigned>(sent_.size()) + 1));
-            wait(3000);
+            std::size_t const last = chance_.below(static_cast<unsigned>(sent_.size()));
+            for (std::size_t at = 0; at < last; ++at) {
+                run.write(sent_[at] + '\n');
+                run.readAnswers(before + at + 1);
+            }
+            run.write(sent_[last] + '\n');
+            wait(600);
         }
         run.kill();
         answered_ = run.answers().size() - before;
+    }
+
+    void makeCommands() {
+        sent_.clear();
+        for (unsigned count = 1 + chance_.below(30); count != 0; --count) {
+            sent_.push_back(script_.next());
+        }
+    }
+
+    std::string all() const {
+        std::string text;
+        for (std::string const& command : sent_) {
+            text += command + '\n';
+        }
+        return text;
     }
 
     void wait(unsigned microseconds) { ::usleep(chance_.below(microseconds)); }

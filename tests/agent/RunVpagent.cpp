@@ -26,7 +26,9 @@ File temporaryFile(std::string_view content = {}) {
     if (file == nullptr) {
         throw std::runtime_error("no temporary file");
     }
-    std::fwrite(content.data(), 1, content.size(), file.get());
+    if (!content.empty()) { // an empty view may have no data at all
+        std::fwrite(content.data(), 1, content.size(), file.get());
+    }
     std::rewind(file.get());
     return file;
 }

@@ -79,8 +79,9 @@ TEST_F(StateOption, NamesTheFileThatIsRefused) {
              {folder_.path().string(), "it is not a regular file, expected one, or none yet"},
              {"", "it is not a regular file, expected one, or none yet"},
              {"/dev/null", "it is not a regular file, expected one, or none yet"},
-             {"/nonexistent/state", "no file can be made in its folder (No such file or directory), "
-                                    "expected a folder that may be written"}}) {
+             {"/nonexistent/state",
+              "no file can be made in its folder (No such file or directory), "
+              "expected a folder that may be written"}}) {
         Outcome const outcome = runVpagent({"--state", file}, "client add a\n");
         EXPECT_EQ(outcome.status, 2);
         EXPECT_EQ(outcome.out, "");

@@ -84,12 +84,14 @@ Operation Generator::drawn(Verb verb) {
     for (U64 names = below(4); names > 0; --names) {
         operation.names.push_back(clientNames()[below(clientNames().size())]);
     }
-    if (shapeOf(verb) == Shape::settings) {
+    if (verb == Verb::start) {
         operation.settings = drawnSettings();
-    } else if (shapeOf(verb) == Shape::bitmap) {
+    } else if (verb == Verb::bitmap) {
         operation.number = static_cast<U32>(below(2));
         operation.size = oneIn(2) ? tableSize_ : static_cast<U32>(below(40));
         operation.flag = oneIn(4);
+    } else if (verb == Verb::clientRemoteRef) {
+        operation.kind = operation.flag ? Kind::mlag : Kind::remote;
     }
     return operation;
 }

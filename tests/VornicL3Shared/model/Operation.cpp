@@ -1,71 +1,86 @@
 #include "VornicL3Shared/model/Operation.h"
 
-#include <algorithm>
+#include <string_view>
 
 namespace ModelTest {
 namespace {
 
-struct Description {
-    Shape shape;
-    char const* words;
-};
-
-Description const& descriptionOf(Verb verb) {
-    static std::vector<Description> const descriptions = {
-#define MODEL_TEST_DESCRIPTION(verb, shape, words) {Shape::shape, words},
-        MODEL_TEST_VERBS(MODEL_TEST_DESCRIPTION)
-#undef MODEL_TEST_DESCRIPTION
+std::string_view lineOf(Verb verb) {
+    static std::vector<std::string_view> const lines = {
+#define MODEL_TEST_LINE(verb, line) line,
+        MODEL_TEST_VERBS(MODEL_TEST_LINE)
+#undef MODEL_TEST_LINE
     };
-    return descriptions.at(static_cast<std::size_t>(verb));
+    return lines.at(static_cast<std::size_t>(verb));
 }
 
-std::string onOff(bool flag) { return flag ? "on" : "off"; }
+/// As operations are named after a kind.
+std::string typeOf(Kind kind) {
+    static std::array<char const*, kindCount> const types = {
+        "RemoteVport", "MlagRemoteVport", "EdgeVport", "VlanVport", "EFilterDisableVport"};
+    return types.at(static_cast<std::size_t>(kind));
+}
+
+std::string word(std::string const& text) {
+    return text.find(' ') == std::string::npos ? text : '"' + text + '"';
+}
 
 std::string textOf(Settings const& settings) {
-    return " table-size=" + std::to_string(settings.tableSize) +
+    auto const onOff = [](bool flag) { return flag ? "on" : "off"; };
+    return "table-size=" + std::to_string(settings.tableSize) +
            " reallocation=" + onOff(settings.reallocation) +
            " remote-low=" + onOff(settings.remoteLow) +
            " vfi-forwarding=" + onOff(settings.vfiForwarding);
 }
 
-bool isOneOf(Shape shape, std::initializer_list<Shape> shapes) {
-    return std::find(shapes.begin(), shapes.end(), shape) != shapes.end();
+std::string operandOf(Operation const& operation, std::string_view name) {
+    if (name == "client") {
+        return operation.client;
+    }
+    if (name == "kind") {
+        return wordOf(operation.kind);
+    }
+    if (name == "Kind") {
+        return typeOf(operation.kind);
+    }
+    if (name == "key") {
+        return word(keyText(operation.kind, operation.key).text);
+    }
+    if (name == "number") {
+        return std::to_string(operation.number);
+    }
+    if (name == "size") {
+        return std::to_string(operation.size);
+    }
+    if (name == "flag") {
+        return operation.flag ? "true" : "false";
+    }
+    if (name == "settings") {
+        return textOf(operation.settings);
+    }
+    std::string text; // names
+    for (std::string const& each : operation.names) {
+        text += " " + each;
+    }
+    return text;
 }
 
 } // namespace
 
-Shape shapeOf(Verb verb) { return descriptionOf(verb).shape; }
-
 std::string textOf(Operation const& operation) {
-    using enum Shape;
-    Shape const shape = shapeOf(operation.verb);
-    std::string text = descriptionOf(operation.verb).words;
-    if (isOneOf(shape, {client, clientKey, clientEntry, clientNumber, clientFlag, clientKind,
-                        clientKeyFlag})) {
-        text += " " + operation.client;
-    }
-    if (isOneOf(shape, {clientKey, clientEntry, clientKeyFlag, key, entry, reference})) {
-        text += std::string(" ") + wordOf(operation.kind) + " " +
-                keyText(operation.kind, operation.key).text;
-    }
-    if (isOneOf(shape, {clientKind, kind})) {
-        text += std::string(" ") + wordOf(operation.kind);
-    }
-    if (isOneOf(shape, {clientEntry, clientNumber, entry, reference, number, bitmap})) {
-        text += " " + std::to_string(operation.number);
-    }
-    if (shape == bitmap) {
-        text += " " + std::to_string(operation.size);
-    }
-    if (isOneOf(shape, {clientFlag, clientKeyFlag, flag, bitmap})) {
-        text += " " + onOff(operation.flag);
-    }
-    if (shape == reference) {
-        for (auto const& name : operation.names) {
-            text += " " + name;
+    std::string text;
+    std::string_view line = lineOf(operation.verb);
+    while (!line.empty()) {
+        std::size_t const open = line.find('{');
+        text += line.substr(0, open);
+        if (open == std::string_view::npos) {
+            break;
         }
+        std::size_t const close = line.find('}', open);
+        text += operandOf(operation, line.substr(open + 1, close - open - 1));
+        line.remove_prefix(close + 1);
     }
-    return shape == settings ? text + textOf(operation.settings) : text;
+    return text;
 }
 
 } // namespace ModelTest

@@ -2,88 +2,66 @@
 
 #include "VornicL3Shared/model/ModelState.h"
 
-#include <array>
-
 namespace ModelTest {
 
-/// What an operation works on, and so which words stand behind its name.
-enum class Shape {
-    plain,
-    client,        ///< NAME
-    clientKey,     ///< NAME KIND KEY
-    clientEntry,   ///< NAME KIND KEY INDEX
-    clientNumber,  ///< NAME NUMBER
-    clientFlag,    ///< NAME on|off
-    clientKind,    ///< NAME KIND
-    clientKeyFlag, ///< NAME KIND KEY on|off
-    kind,          ///< KIND
-    key,           ///< KIND KEY
-    entry,         ///< KIND KEY INDEX
-    reference,     ///< KIND KEY INDEX NAME...
-    number,        ///< NUMBER
-    flag,          ///< on|off
-    settings,      ///< table-size=N reallocation=on|off remote-low=on|off vfi-forwarding=on|off
-    bitmap,        ///< ID SIZE on|off
-};
-
-/// All that can be done to a world: X(VERB, SHAPE, WORDS) for each. The first part is what the
-/// agent and its clients do to the records, the second the life of the state machine, the third
-/// calls of its operations, and the fourth calls of an allocator's.
+/// All that can be done to a world: X(VERB, SCRIPT LINE) for each, the line with its operands in
+/// braces (see `textOf`). First what the agent and its clients do to the records, then the life of
+/// the state machine, then calls of its operations, and at last calls of an allocator's.
 #define MODEL_TEST_VERBS(X)                                                                        \
-    X(clientAdd, client, "client add")                                                             \
-    X(clientRemove, client, "client remove")                                                       \
-    X(clientRetire, client, "client retire")                                                       \
-    X(configReplace, client, "replace config")                                                     \
-    X(statusReplace, client, "replace status")                                                     \
-    X(statusRemove, client, "remove status")                                                       \
-    X(request, clientKey, "request")                                                               \
-    X(withdraw, clientKey, "withdraw")                                                             \
-    X(putReference, reference, "put reference")                                                    \
-    X(dropReference, key, "drop reference")                                                        \
-    X(putStatus, clientEntry, "put status")                                                        \
-    X(dropStatus, clientKey, "drop status")                                                        \
-    X(putTableSize, clientNumber, "put table-size")                                                \
-    X(putWaiting, key, "put waiting")                                                              \
-    X(dropWaiting, key, "drop waiting")                                                            \
-    X(putBoot, entry, "put boot")                                                                  \
-    X(dropBoot, key, "drop boot")                                                                  \
-    X(clearReferences, plain, "clear references")                                                  \
-    X(clearWaiting, plain, "clear waiting")                                                        \
-    X(clearBoot, plain, "clear boot")                                                              \
-    X(saveBoot, plain, "save-boot")                                                                \
-    X(start, settings, "start")                                                                    \
-    X(restart, plain, "restart")                                                                   \
-    X(stop, plain, "stop")                                                                         \
-    X(reactors, flag, "reactors")                                                                  \
-    X(zombie, flag, "zombie")                                                                      \
-    X(clientReactors, clientFlag, "client reactors")                                               \
-    X(clientZombie, clientFlag, "client zombie")                                                   \
-    X(allocatorDel, client, "call vpIndexAllocatorDel")                                            \
-    X(allocatorDelAll, plain, "call vpIndexAllocatorDelAll")                                       \
-    X(handleConfig, client, "call handleVpIndexConfig")                                            \
-    X(handleConfigs, plain, "call handleVpIndexConfig")                                            \
-    X(handleInvalid, key, "call handleInvalid")                                                    \
-    X(handleInvalidAll, kind, "call handleInvalid")                                                \
-    X(allocIndex, flag, "call allocVpIndex")                                                       \
-    X(freeIndex, number, "call freeVpIndex")                                                       \
-    X(setIndex, number, "call setVpBitmap")                                                        \
-    X(defaultVp, number, "call isDefaultVp")                                                       \
-    X(recycle, number, "call recycleOrFreeVpIndex")                                                \
-    X(bitmap, bitmap, "call vpBitmapIs")                                                           \
-    X(rebuild, plain, "call vpBitmapDel, call handleInitialized")                                  \
-    X(initializeAgain, plain, "call handleInitialized")                                            \
-    X(reconcile, plain, "call reconcile")                                                          \
-    X(clearStale, plain, "call clearStaleEntries")                                                 \
-    X(clientKeyed, clientKey, "call-client")                                                       \
-    X(clientSweep, clientKind, "call-client")                                                      \
-    X(clientInitialize, client, "call-client handleInitialized")                                   \
-    X(clientVerify, client, "call-client verify")                                                  \
-    X(clientAllocStats, clientNumber, "call-client verifyAndUpdateAllocStats")                     \
-    X(clientFreeStats, clientNumber, "call-client updateFreeStats")                                \
-    X(clientRemoteRef, clientKeyFlag, "call-client getRemoteVportRef")
+    X(clientAdd, "client add {client}")                                                            \
+    X(clientRemove, "client remove {client}")                                                      \
+    X(clientRetire, "client retire {client}")                                                      \
+    X(configReplace, "replace config {client}")                                                    \
+    X(statusReplace, "replace status {client}")                                                    \
+    X(statusRemove, "remove status {client}")                                                      \
+    X(request, "request {client} {kind} {key}")                                                    \
+    X(withdraw, "withdraw {client} {kind} {key}")                                                  \
+    X(putReference, "put reference {kind} {key} {number}{names}")                                  \
+    X(dropReference, "drop reference {kind} {key}")                                                \
+    X(putStatus, "put status {client} {kind} {key} {number}")                                      \
+    X(dropStatus, "drop status {client} {kind} {key}")                                             \
+    X(putTableSize, "put table-size {client} {number}")                                            \
+    X(putWaiting, "put waiting {kind} {key}")                                                      \
+    X(dropWaiting, "drop waiting {kind} {key}")                                                    \
+    X(putBoot, "put boot {kind} {key} {number}")                                                   \
+    X(dropBoot, "drop boot {kind} {key}")                                                          \
+    X(clearReferences, "clear references")                                                         \
+    X(clearWaiting, "clear waiting")                                                               \
+    X(clearBoot, "clear boot")                                                                     \
+    X(saveBoot, "save-boot")                                                                       \
+    X(start, "start {settings}")                                                                   \
+    X(restart, "restart")                                                                          \
+    X(stop, "stop")                                                                                \
+    X(reactors, "reactors active={flag}")                                                          \
+    X(zombie, "reactors zombie={flag}")                                                            \
+    X(clientReactors, "reactors {client} active={flag}")                                           \
+    X(clientZombie, "reactors {client} zombie={flag}")                                             \
+    X(allocatorDel, "call vpIndexAllocatorDel {client}")                                           \
+    X(allocatorDelAll, "call vpIndexAllocatorDelAll")                                              \
+    X(handleConfig, "call handleVpIndexConfig {client}")                                           \
+    X(handleConfigs, "call handleVpIndexConfig")                                                   \
+    X(handleInvalid, "call handleInvalid{Kind} {key}")                                             \
+    X(handleInvalidAll, "call handleInvalid{Kind}")                                                \
+    X(allocIndex, "call allocVpIndex {flag}")                                                      \
+    X(freeIndex, "call freeVpIndex {number}")                                                      \
+    X(setIndex, "call setVpBitmap {number}")                                                       \
+    X(defaultVp, "call isDefaultVp {number}")                                                      \
+    X(recycle, "call recycleOrFreeVpIndex {number}")                                               \
+    X(bitmap, "call vpBitmapIs {number} {size} {flag}")                                            \
+    X(rebuild, "call vpBitmapDel and handleInitialized")                                           \
+    X(initializeAgain, "call handleInitialized")                                                   \
+    X(reconcile, "call reconcile")                                                                 \
+    X(clearStale, "call clearStaleEntries")                                                        \
+    X(clientKeyed, "call-client {client} handle{Kind} {key}")                                      \
+    X(clientSweep, "call-client {client} handle{Kind}")                                            \
+    X(clientInitialize, "call-client {client} handleInitialized")                                  \
+    X(clientVerify, "call-client {client} verify")                                                 \
+    X(clientAllocStats, "call-client {client} verifyAndUpdateAllocStats {number}")                 \
+    X(clientFreeStats, "call-client {client} updateFreeStats {number}")                            \
+    X(clientRemoteRef, "call-client {client} getRemoteVportRef {key} {flag}")
 
 enum class Verb {
-#define MODEL_TEST_ENUMERATOR(verb, shape, words) verb,
+#define MODEL_TEST_ENUMERATOR(verb, line) verb,
     MODEL_TEST_VERBS(MODEL_TEST_ENUMERATOR)
 #undef MODEL_TEST_ENUMERATOR
 };
@@ -102,8 +80,7 @@ struct Operation {
     Settings settings;
 };
 
-Shape shapeOf(Verb verb);
-/// The operation on one line, as in a script.
+/// The operation on one line, as the agent's command language has it as far as it goes.
 std::string textOf(Operation const& operation);
 
 } // namespace ModelTest

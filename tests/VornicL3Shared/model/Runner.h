@@ -24,9 +24,9 @@ struct Mismatch {
 struct Tally {
     U64 sequences = 0;
     U64 steps = 0;
-    U64 passedChecks = 0; ///< `verify` in this process
-    U64 failedChecks = 0; ///< `verify` in a child, where it must end as the model says
-    U64 stops = 0;        ///< steps in a child, where they must end as the model says
+    U64 passedChecks = 0;           ///< `verify` in this process
+    U64 failedChecks = 0;           ///< `verify` in a child, where it must end as the model says
+    U64 stops = 0;                  ///< steps in a child, where they must end as the model says
     std::map<std::string, U64> met; ///< how often the model foresaw a stop with this text
 
     /// Whether a stop is to be tried in a child, which costs as much as many steps: the first ones
