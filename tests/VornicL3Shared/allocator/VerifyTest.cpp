@@ -208,9 +208,8 @@ TYPED_TEST_SUITE(VerifyWaitingDeathTest, ::Test::AllKinds, ::Test::KindNames);
 TYPED_TEST(VerifyWaitingDeathTest, AKeyThatWaitsWithoutAnIndexCountsAsASetBit) {
     this->start({.tableSize = 8, .reallocation = true}, {"bgp"});
     this->request("bgp", 1);
-    EXPECT_DEATH(
-        this->world.sm->verify(),
-        ofTable("( numVps + maxSystemSourceVp_ ) == vpBitmap()->numBitsInSetState()"));
+    EXPECT_DEATH(this->world.sm->verify(),
+                 ofTable("( numVps + maxSystemSourceVp_ ) == vpBitmap()->numBitsInSetState()"));
 }
 
 } // namespace
