@@ -13,7 +13,7 @@ using Bask::Preference;
 
 /// A pool of `size` bits whose lowest `used` are set.
 Pelo::Ptr<Bitmap> poolWith(U32 size, U32 used) {
-    auto pool = Pelo::newNode<Bitmap>(0, size, Bask::HBitmap::BitState::clear);
+    auto pool = Pelo::newNode<Bitmap>(U64{0}, size, Bask::HBitmap::BitState::clear);
     for (U32 at = 0; at < used; ++at) {
         pool->setBit(at);
     }

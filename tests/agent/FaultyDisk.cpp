@@ -31,6 +31,7 @@ struct Plan {
 };
 
 Plan plan;
+unsigned syncCount = 0;
 
 /// A file of ours; that of the disk below stands behind it.
 struct File {
@@ -58,6 +59,7 @@ int truncateFile(sqlite3_file* file, sqlite3_int64 size) {
     return code != SQLITE_OK ? code : below(file)->pMethods->xTruncate(below(file), size);
 }
 int syncFile(sqlite3_file* file, int flags) {
+    ++syncCount;
     int const code = plan.next();
     return code != SQLITE_OK ? code : below(file)->pMethods->xSync(below(file), flags);
 }
@@ -125,6 +127,7 @@ FaultyDisk::FaultyDisk() : vfs_(new sqlite3_vfs(*sqlite3_vfs_find(nullptr))) {
     vfs_->xOpen = openFile;
     vfs_->xDelete = deleteFile;
     plan = Plan();
+    syncCount = 0;
     sqlite3_vfs_register(vfs_, 1);
 }
 
@@ -142,5 +145,7 @@ void FaultyDisk::failAt(unsigned at, Fault fault, Lasting lasting) {
 void FaultyDisk::repair() { plan.armed = false; }
 
 bool FaultyDisk::failed() const { return plan.failed; }
+
+unsigned FaultyDisk::syncs() const { return syncCount; }
 
 } // namespace VpAgentTest

@@ -26,6 +26,9 @@ public:
     /// Whether an operation failed since `failAt`.
     bool failed() const;
 
+    /// How many times anything was forced to the disk since this was made.
+    unsigned syncs() const;
+
 private:
     sqlite3_vfs* vfs_;
 };

@@ -102,6 +102,19 @@ INSTANTIATE_TEST_SUITE_P(Kinds, DiskFault,
                          testing::Combine(testing::Values(Fault::full, Fault::broken),
                                           testing::Values(Lasting::once, Lasting::forEver)));
 
+TEST(StateFile, ForcesEachCommitToTheDisk) {
+    FaultyDisk const disk;
+    TemporaryFolder const folder;
+    KeptAgent kept(folder.path() / "state");
+    for (unsigned round = 0; round < 3; ++round) {
+        unsigned const before = disk.syncs();
+        change(kept.database(), round);
+        EXPECT_EQ(disk.syncs(), before);
+        kept.commit();
+        EXPECT_GT(disk.syncs(), before);
+    }
+}
+
 TEST(StateFileProgram, StopsWithAMessageWhenTheDiskTakesNoMore) {
     TemporaryFolder const folder;
     std::string const path = (folder.path() / "state").string();
