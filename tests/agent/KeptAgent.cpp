@@ -36,12 +36,11 @@ std::string contentOf(Agent const& agent) {
 
 std::string KeptAgent::content() const { return contentOf(agent); }
 
-std::string refusalOf(std::filesystem::path const& path) {
+Opened openedFile(std::filesystem::path const& path) {
     try {
-        KeptAgent const agent(path);
-        return "";
+        return {"", KeptAgent(path).content()};
     } catch (Refusal const& refusal) {
-        return refusal.what();
+        return {refusal.what(), ""};
     }
 }
 

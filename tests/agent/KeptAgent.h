@@ -44,8 +44,13 @@ public:
 /// The same of a database that is in memory only.
 std::string contentOf(VpAgent::Agent const& agent);
 
-/// What the file refuses to be opened with; empty when it is opened.
-std::string refusalOf(std::filesystem::path const& path);
+/// What came of opening a file: why it was refused, or what it holds.
+struct Opened {
+    std::string refusal; ///< empty when it was not refused
+    std::string content;
+};
+
+Opened openedFile(std::filesystem::path const& path);
 
 /// The bytes of a file; empty when there is none.
 std::string bytesOf(std::filesystem::path const& path);

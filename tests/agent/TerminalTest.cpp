@@ -2,13 +2,16 @@
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <thread>
 
 namespace VpAgentTest {
 namespace {
@@ -29,7 +32,6 @@ protected:
     /// Waits, for at most 20 seconds, until the terminal shows `text`; what it showed up to there
     /// is then done with.
     bool shows(std::string_view text) {
-        constexpr int patience = 20000;
         for (;;) {
             std::size_t const at = shown_.find(text);
             if (at != std::string::npos) {
@@ -51,18 +53,37 @@ protected:
         return false;
     }
 
+    /// Types once the line editor has the terminal. It shows its prompt a moment earlier, and an
+    /// end of file typed in between would be the terminal's, not the editor's.
     void type(std::string_view text) const {
+        for (int waited = 0; isCooked(); ++waited) {
+            ASSERT_LT(waited, patience) << "the line editor does not take the terminal";
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
         ASSERT_EQ(::write(terminal_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
     }
 
+    /// The status that the program ends with; -1 when it has not ended after 20 seconds.
     int exitStatus() const {
         int status = 0;
-        while (::waitpid(process_, &status, 0) < 0 && errno == EINTR) {
+        for (int waited = 0; ::waitpid(process_, &status, WNOHANG) == 0; ++waited) {
+            if (waited == patience) {
+                ::kill(process_, SIGKILL);
+                return -1;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
 private:
+    static constexpr int patience = 20000; ///< milliseconds
+
+    bool isCooked() const {
+        termios settings{};
+        return ::tcgetattr(terminal_, &settings) == 0 && (settings.c_lflag & ICANON) != 0;
+    }
+
     int terminal_ = -1;
     pid_t process_;
     std::string shown_;

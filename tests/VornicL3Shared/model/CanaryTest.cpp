@@ -65,8 +65,12 @@ TEST(ModelCanary, WrongCounterIsFound) {
 TEST(ModelCanary, WrongConditionOfBootRecoveryIsFound) {
     Beliefs beliefs;
     beliefs.hinderBootRecovery.push_back(Kind::mlag);
-    Failure const failure = failureOf(hostileRecords(), beliefs);
-    EXPECT_LE(failure.shrunk.steps.size(), 6u) << failure.text();
+    Flavour const restarts{{{Verb::putReference, 2},
+                            {Verb::putBoot, 2},
+                            {Verb::clearReferences, 2},
+                            {Verb::restart, 1}}};
+    Failure const failure = failureOf(restarts, beliefs);
+    EXPECT_LE(failure.shrunk.steps.size(), 3u) << failure.text();
 }
 
 TEST(ModelCanary, StopThatOnlyTheModelForeseesIsFound) {

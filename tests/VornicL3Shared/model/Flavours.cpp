@@ -64,7 +64,7 @@ Flavour const& directCalls() {
 }
 
 Flavour const& hostileRecords() {
-    static Flavour const flavour{requests + records + lighter(calls), 0, 24, 5, false, true};
+    static Flavour const flavour{requests + records + lighter(calls), 0, 24, 15, false, true};
     return flavour;
 }
 
