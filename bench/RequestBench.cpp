@@ -1,43 +1,17 @@
 // A request from end to end: the write to the config, its handler, the pool, status and reference,
 // the handler of waiting keys, all ring-buffer records; and its withdrawal.
 
-#include "VornicL3Shared/VornicL3VpIndexAllocator.h"
+#include "Agent.h"
 
 #include <benchmark/benchmark.h>
 
-#include <string>
 #include <vector>
 
 namespace {
 
 using namespace VornicCentral;
-
-/// A state machine with one client that holds `held` edge virtual ports on a table of 65,535
-/// entries.
-struct Agent {
-    explicit Agent(U32 held) {
-        configs->vpIndexConfigIs("bgp", config);
-        for (U32 at = 0; at < held; ++at) {
-            config->edgeVportIs(key(at), true);
-        }
-    }
-    static PortVlanKey key(U32 at) {
-        return {Netzo::IntfId("Ethernet" + std::to_string(at / 4000)),
-                Bridging::VlanId(static_cast<U16>(at % 4000 + 1))};
-    }
-
-    Pelo::Ptr<VpIndexConfig> config = vpIndexConfigFactory("bgp");
-    Pelo::Ptr<VpIndexConfigDir> configs = vpIndexConfigDirFactory("configs");
-    Pelo::Ptr<VpIndexStatusDir> statuses = [] {
-        auto directory = vpIndexStatusDirFactory("statuses");
-        directory->vpIndexStatusIs("bgp", vpIndexStatusFactory("bgp"));
-        return directory;
-    }();
-    Pelo::Ptr<VpIndexAllocatorDirSm> stateMachine = vpIndexAllocatorDirSmFactory(
-        vpReferenceListFactory("references"), vpInvalidReferenceListFactory("waiting"), configs,
-        statuses, 65535, vxlanBootStatusFactory("boot"), true, false,
-        vxlanCapabilitiesFactory("capabilities", false));
-};
+using Bench::Agent;
+using Bench::edgeKey;
 
 /// One request and its withdrawal beside `range` virtual ports.
 void requestAndWithdraw(benchmark::State& state) {
@@ -45,7 +19,7 @@ void requestAndWithdraw(benchmark::State& state) {
     Agent agent(held);
     std::vector<PortVlanKey> keys;
     for (U32 at = 0; at < 1000; ++at) {
-        keys.push_back(Agent::key(held + at));
+        keys.push_back(edgeKey(held + at));
     }
     std::size_t at = 0;
     for (auto _ : state) {
@@ -63,7 +37,7 @@ void newRequest(benchmark::State& state) {
     constexpr U32 batch = 1000;
     std::vector<PortVlanKey> keys;
     for (U32 at = 0; at < batch; ++at) {
-        keys.push_back(Agent::key(held + at));
+        keys.push_back(edgeKey(held + at));
     }
     for (auto _ : state) {
         for (auto const& key : keys) {

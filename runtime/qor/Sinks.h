@@ -15,9 +15,9 @@ namespace Qor {
 /// Each has one sink. The default sink, which an empty function stands for, writes one line to
 /// standard error that begins with the time:
 ///
-///     2024-05-17T08:30:00.123456Z VornicVpIndexAllocator 5 UNIT:LINE allocVpIndex index allocated
-///     is: 12 2024-05-17T08:30:00.123456Z MESSAGE_ID (severity 3): text of the message (2 more
-///     suppressed) 2024-05-17T08:30:00.123456Z UNIT:LINE: SIGNATURE: Assertion 'TEXT' failed.
+///     2024-05-17T08:30:00.123456Z HANDLE 5 UNIT:LINE allocVpIndex index allocated is: 12
+///     2024-05-17T08:30:00.123456Z MESSAGE_ID (severity 3): text (2 more suppressed)
+///     2024-05-17T08:30:00.123456Z UNIT:LINE: SIGNATURE: Assertion 'TEXT' failed.
 ///
 /// Each setter returns the sink that was set before. A sink may trace, log and change sinks; the
 /// sink under way is the one that was set when its message began. An exception that leaves a sink

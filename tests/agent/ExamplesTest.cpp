@@ -1,3 +1,5 @@
+#include "agent/KillableRun.h"
+#include "agent/RunVpagent.h"
 #include "agent/State.h"
 
 #include <gtest/gtest.h>
@@ -64,6 +66,33 @@ TEST(FullTable, ServesThoseThatWaitInTheirOrder) {
               R"("102":{"vpIndex":14,"clients":["bgp"]},"108":{"vpIndex":8,"clients":["bgp"]},)"
               R"("201":{"vpIndex":13,"clients":["bridging"]},)"
               R"("202":{"vpIndex":12,"clients":["bridging"]}}})");
+}
+
+TEST(Crash, IsFollowedByWhatARunWithoutItComesTo) {
+    std::string const before = example("before-a-crash.vp");
+    std::string const after = example("after-a-crash.vp");
+    std::string const noStart =
+        after.substr(0, after.find("start ")) + "re" + after.substr(after.find("start "));
+    Json const undisturbed = stateAfter(before + noStart);
+
+    TemporaryFolder const folder;
+    std::string const path = (folder.path() / "state").string();
+    KillableRun killed(path);
+    killed.write(before);
+    constexpr std::size_t commands = 11;
+    ASSERT_TRUE(killed.readAnswers(commands));
+    killed.kill();
+    KillableRun next(path);
+    next.write(after + "dump\n");
+    constexpr std::size_t furtherCommands = 10;
+    ASSERT_TRUE(next.readAnswers(furtherCommands + 1));
+
+    EXPECT_EQ(Json::parse(next.answers().back()).at("state"), undisturbed);
+    EXPECT_EQ(brief(undisturbed.at("references")),
+              R"({"edgeVport":{"Ethernet1:110":{"vpIndex":9,"clients":["bgp","bridging"]}},)"
+              R"("vlanVport":{"101":{"vpIndex":11,"clients":["bgp"]},)"
+              R"("104":{"vpIndex":8,"clients":["bgp"]},)"
+              R"("201":{"vpIndex":10,"clients":["bridging"]}}})");
 }
 
 } // namespace
