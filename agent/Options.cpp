@@ -57,6 +57,18 @@ void addTrace(CLI::App& app, U64& levels) {
         ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
 }
 
+/// The scripts as they were given. Read from the option's results, since the library takes a word
+/// in brackets or braces for a list when it is to fill a vector; an option that is not one takes so
+/// many words as it needs at least, here all of them.
+CLI::Option* addScripts(CLI::App& app) {
+    constexpr int all = CLI::detail::expected_max_vector_size;
+    auto const keep = [](CLI::results_t const&) { return true; };
+    return app.add_option("SCRIPT", keep, "files of commands")
+        ->type_name("")
+        ->expected(all, all)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
 } // namespace
 
 std::variant<Options, int> readOptions(int argc, char const* const* argv) {
@@ -75,13 +87,15 @@ std::variant<Options, int> readOptions(int argc, char const* const* argv) {
                    "keep the database in this file, so that it outlives the program")
         ->type_name("FILE")
         ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
-    app.add_option("SCRIPT", options.scripts, "files of commands")->type_name("");
+    CLI::Option const* const scripts = addScripts(app);
     app.footer(statuses);
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
-        return app.exit(error) == 0 ? 0 : failureStatus;
+        bool const told = app.exit(error) == 0 && std::cout.flush();
+        return told ? 0 : failureStatus;
     }
+    options.scripts = scripts->results();
     return options;
 }
 

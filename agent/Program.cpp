@@ -7,6 +7,7 @@
 #include "output/JsonReporter.h"
 #include "qor/Sinks.h"
 #include "state/TraceLevels.h"
+#include "statefile/OwnFiles.h"
 #include "statefile/StateFile.h"
 
 #include <exception>
@@ -77,6 +78,7 @@ std::unique_ptr<StateFile> openStateFile(Options const& options, Agent& agent) {
 
 int runSources(Options const& options, Agent& agent, Output& output) {
     try {
+        OwnFiles const ownFiles(options.stateFile);
         Sources const sources = openSources(options, agent);
         std::unique_ptr<StateFile> const stateFile = openStateFile(options, agent);
         Session session(agent, options.keepGoing, stateFile.get());

@@ -4,6 +4,7 @@
 #include "language/CommandTable.h"
 #include "statefile/StateFile.h"
 
+#include <exception>
 #include <variant>
 
 namespace VpAgent {
@@ -26,8 +27,9 @@ bool Session::runLine(CommandLine const& line) {
         agent_.reporter.refused(line, refusal);
         commandFailed_ = true;
         return keepGoing_ || line.terminal;
-    } catch (StateFileError const& error) {
-        // The database is ahead of the file, so nothing more may be acknowledged.
+    } catch (std::exception const& error) {
+        // The database is ahead of the file, or the command broke off in its middle: nothing more
+        // may be brought to disk or acknowledged.
         agent_.reporter.refused(line, Refusal(error.what()));
         commandFailed_ = true;
         return false;

@@ -17,7 +17,9 @@ public:
         : agent_(agent), keepGoing_(keepGoing), stateFile_(stateFile) {}
 
     /// Runs the commands of one source. False when no more are to be run: after `quit` or a failed
-    /// command.
+    /// command. A command that fails by anything but a `Refusal` ends every run, also one that
+    /// would keep going, because what it did up to then stands in the database and must not get
+    /// into the state file.
     bool run(LineSource& source);
 
     /// 0; 1 when a `verify` failed; 2 when a command failed.

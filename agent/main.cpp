@@ -1,10 +1,12 @@
 #include "Program.h"
+#include "StandardStreams.h"
 
 #include <exception>
 #include <iostream>
 
 int main(int argc, char** argv) {
     try {
+        VpAgent::occupyStandardStreams();
         auto const options = VpAgent::readOptions(argc, argv);
         if (int const* const status = std::get_if<int>(&options)) {
             return *status;

@@ -19,6 +19,7 @@ class NoReporter final : public VpAgent::Reporter {
 public:
     void trace(U32, std::string_view) override {}
     void log(std::string_view, U32, std::string_view) override {}
+    void multicast(VpAgent::McastEvent const&) override {}
     void done(VpAgent::CommandLine const&, std::string_view, VpAgent::Reply const&,
               VpAgent::Agent const&) override {}
     void refused(VpAgent::CommandLine const&, VpAgent::Refusal const&) override {}

@@ -12,10 +12,16 @@ Pelo::Ptr<VpIndexConfig> vpIndexConfigFactory(Pelo::String const& name) {
     return VpIndexConfig::VpIndexConfigIs(name);
 }
 
-Qor::TypeData const* VpIndexConfig::typeData() const {
+Qor::TypeData const& VpIndexConfig::typeTable() {
     static Qor::TypeData const table =
-        recordTable("VornicCentral::VpIndexConfig", &VpIndexConfig::VpIndexConfigIs).build();
-    return &table;
+        recordTable("VornicCentral::VpIndexConfig",
+                    {"what one client requests", "the client's name", "the requested ",
+                     "; a key that is there is requested, whatever its value"},
+                    &VpIndexConfig::VpIndexConfigIs)
+            .build();
+    return table;
 }
+
+Qor::TypeData const* VpIndexConfig::typeData() const { return &typeTable(); }
 
 } // namespace VornicCentral

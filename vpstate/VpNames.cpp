@@ -64,6 +64,8 @@ struct VpNames::Block {
         names.erase(names.begin() + static_cast<std::ptrdiff_t>(at));
         if (names.size() <= walkedNames) {
             index.clear();
+        } else if (index.size() > 8 * names.size()) { // so that filing anew is a walk of the names
+            index.resize(index.size() / 2);
         }
         fileAll();
     }
@@ -161,6 +163,14 @@ bool VpNames::remove(Pelo::String const& name) noexcept {
     }
     --size_;
     return true;
+}
+
+U64 VpNames::hash() const noexcept {
+    U64 sum = size_;
+    for (Pelo::String const& name : *this) {
+        sum += name.hash();
+    }
+    return sum;
 }
 
 std::string VpNames::stringValue() const {

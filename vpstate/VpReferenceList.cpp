@@ -12,10 +12,18 @@ Pelo::Ptr<VpReferenceList> vpReferenceListFactory(Pelo::String const& name) {
     return VpReferenceList::VpReferenceListIs(name);
 }
 
-Qor::TypeData const* VpReferenceList::typeData() const {
+Qor::TypeData const& VpReferenceList::typeTable() {
     static Qor::TypeData const table =
-        recordTable("VornicCentral::VpReferenceList", &VpReferenceList::VpReferenceListIs).build();
-    return &table;
+        recordTable("VornicCentral::VpReferenceList",
+                    {"which virtual ports are in use: the one list of the whole switch",
+                     "the list's name", "the ",
+                     " in use, each with its VP index, 65535 while it has none, and the names of "
+                     "its clients"},
+                    &VpReferenceList::VpReferenceListIs)
+            .build();
+    return table;
 }
+
+Qor::TypeData const* VpReferenceList::typeData() const { return &typeTable(); }
 
 } // namespace VornicCentral

@@ -45,7 +45,7 @@ void VpIndexAllocatorDirSm::handleVpIndexConfig() {
 
 void VpIndexAllocatorDirSm::handleVpIndexConfig(Pelo::String const& name) {
     VP_TRACE_TWIN(entryLevel, "handleVpIndexConfig", (", Name ", name), (" name = ", name));
-    auto const config = vpIndexConfigDir_ ? vpIndexConfigDir_->vpIndexConfig(name) : nullptr;
+    auto const config = configOf(name);
     if (!config) {
         VP_TRACE(entryLevel, "handleVpIndexConfig", ", Name ", name, " ignore deletes");
         return;
@@ -77,9 +77,12 @@ VpIndexAllocatorDirSm::vpIndexAllocatorIs(VpIndexAllocatorDirSm* vpIndexAllocato
                          vpReference.get(), vfiForwarding);
         return existing;
     }
-    auto created = VpIndexAllocator::VpIndexAllocatorIs(vpIndexAllocatorDirSm, vpIndexConfig,
-                                                        vpIndexStatus, vpReference, vfiForwarding);
-    vpIndexAllocator_.newMember(vpIndexConfig->name(), created);
+    Pelo::Ptr<VpIndexAllocator> created;
+    handlerTurns_.run([&] { // its sweep is one turn: it is listed before the next change is handled
+        created = VpIndexAllocator::VpIndexAllocatorIs(vpIndexAllocatorDirSm, vpIndexConfig,
+                                                       vpIndexStatus, vpReference, vfiForwarding);
+        vpIndexAllocator_.newMember(vpIndexConfig->name(), created);
+    });
     return created;
 }
 
@@ -103,7 +106,7 @@ void VpIndexAllocatorDirSm::vpIndexConfigDirDispatch(Pelo::Publisher*, Pelo::Sub
         self.handlerTurns_.run([&] { self.handleVpIndexConfig(name); });
         return;
     }
-    self.handlerTurns_.leave([&self, name] {
+    self.handlerTurns_.leave(&self, [&self, name]() noexcept {
         if (!self.isZombie()) {
             self.handleVpIndexConfig(name);
         }

@@ -11,7 +11,7 @@ template <class Kind> void VpIndexAllocatorDirSm::handleInvalidKey(typename Kind
     using Words = KindWords<Kind>;
     VP_TRACE_TWIN(entryLevel, Words::invalidHandler, (Words::keyLabel, Words::shown(key)),
                   (RingKey{key}));
-    if (!vpReallocationEnabled_) {
+    if (!vpReallocationEnabled_ || !vpReference_ || !vpInvalidReference_) {
         return;
     }
     VpReference const* const reference = vpReference_->find<Kind>(key);

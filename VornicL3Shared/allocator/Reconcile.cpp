@@ -40,9 +40,16 @@ template <class Kind> void VpIndexAllocatorDirSm::recoverReferences() {
                       (Words::recovered, vPort.vpIndex(), Words::recoveredFor, key),
                       (" recovered vpIndex: ", vPort.vpIndex(), " for", RingKey{key}));
         vpReference_->is<Kind>(key, reference);
-        if (vpReallocationEnabled_ && !vPort.valid()) {
-            vpInvalidReference_->is<Kind>(key, true);
+        if (!vPort.valid()) {
+            makeWait<Kind>(key);
         }
+    }
+}
+
+/// Puts a key whose index did not survive on the list of waiting keys.
+template <class Kind> void VpIndexAllocatorDirSm::makeWait(typename Kind::Key const& key) {
+    if (vpReallocationEnabled_ && vpInvalidReference_) {
+        vpInvalidReference_->is<Kind>(key, true);
     }
 }
 
@@ -78,15 +85,15 @@ void VpIndexAllocatorDirSm::recoverBootEntry(typename Kind::Key const& key, Virt
                   (Words::recovered, bootVport.vpIndex(), Words::recoveredFor, key),
                   (Words::recovered, bootVport.vpIndex(), Words::bootForRing, RingKey{key}));
     vpReference_->is<Kind>(key, VpReference(bootVport));
-    if (vpReallocationEnabled_ && !bootVport.valid()) {
-        vpInvalidReference_->is<Kind>(key, true);
+    if (!bootVport.valid()) {
+        makeWait<Kind>(key);
     }
 }
 
 /// Drops what the statuses hold and the configs do not request. A name without a status is left to
 /// the tracking of the config directory, which does not let it pass.
 void VpIndexAllocatorDirSm::cleanUpStatuses() {
-    if (!vpIndexConfigDir_ || !vpIndexStatusDir_) {
+    if (!vpIndexConfigDir_) {
         return;
     }
     for (VpIndexConfigDir::Entries::Iterator it(vpIndexConfigDir_->vpIndexConfig()); it;
@@ -94,7 +101,7 @@ void VpIndexAllocatorDirSm::cleanUpStatuses() {
         Pelo::String const name(it.key());
         VP_TRACE(stepLevel, "reconcile", " clean up status for: ", name);
         auto const config = it.value();
-        auto const status = vpIndexStatusDir_->vpIndexStatus(name);
+        auto const status = statusOf(name);
         if (status) {
             forEachKind([&](auto kind) { cleanUpStatus<decltype(kind)>(name, *config, *status); });
         }

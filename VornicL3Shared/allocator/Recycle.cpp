@@ -17,7 +17,17 @@ using RecycleOrder =
 
 } // namespace
 
+/// A change that is left may withdraw the very key that would take the index, so it goes first.
 void VpIndexAllocatorDirSm::recycleOrFreeVpIndex(U32 vpIndex) {
+    Pelo::Ptr<VpIndexAllocatorDirSm> const self(this);
+    if (handlerTurns_.somethingLeft()) {
+        handlerTurns_.leaveRelease([self, vpIndex]() noexcept { self->recycleOrFree(vpIndex); });
+    } else {
+        handlerTurns_.run([&] { self->recycleOrFree(vpIndex); });
+    }
+}
+
+void VpIndexAllocatorDirSm::recycleOrFree(U32 vpIndex) {
     VP_TRACE(entryLevel, "recycleOrFreeVpIndex");
     VirtualPort const vp(static_cast<U16>(vpIndex));
     if (!vpReallocationEnabled_ || !initialized_) {
@@ -26,18 +36,15 @@ void VpIndexAllocatorDirSm::recycleOrFreeVpIndex(U32 vpIndex) {
     if (!vp.valid()) {
         return;
     }
-    if (!vpInvalidReference_ || vpInvalidReference_->memberCount() == 0) {
+    if (!vpReference_ || !vpInvalidReference_ || vpInvalidReference_->memberCount() == 0) {
         freeVpIndex(vp.vpIndex());
         return;
     }
-    handlerTurns_.run([&] {
-        bool taken = false;
-        forEachKind<RecycleOrder>(
-            [&](auto kind) { taken = taken || recycleTo<decltype(kind)>(vp); });
-        if (!taken) {
-            freeVpIndex(vp.vpIndex());
-        }
-    });
+    bool taken = false;
+    forEachKind<RecycleOrder>([&](auto kind) { taken = taken || recycleTo<decltype(kind)>(vp); });
+    if (!taken) {
+        freeVpIndex(vp.vpIndex());
+    }
 }
 
 /// Hands the index to the first waiting key of this kind that somebody requests; false when there
@@ -66,14 +73,14 @@ void VpIndexAllocatorDirSm::handOver(typename Kind::Key const& key, VpReference&
                                      VirtualPort vp) {
     using Words = KindWords<Kind>;
     for (Pelo::String const& name : reference.references()) {
-        auto const vpIndexStatus = vpIndexStatusDir_->vpIndexStatus(name);
-        auto const vpIndexConfig = vpIndexConfigDir_->vpIndexConfig(name);
+        auto const vpIndexStatus = statusOf(name);
+        auto const vpIndexConfig = configOf(name);
         VP_ASSERT(!!vpIndexConfig, "!!vpIndexConfig", signature);
         VP_ASSERT(!!vpIndexStatus, "!!vpIndexStatus", signature);
-        VP_ASSERT(vpIndexConfig->template has<Kind>(key), Words::recycleAssert, signature);
+        VP_ASSERT(vpIndexConfig->has<Kind>(key), Words::recycleAssert, signature);
         VP_TRACE(handOverLevel, "recycleOrFreeVpIndex", Words::recycling, vp.vpIndex(),
                  " to vpIndexAllocator(", name, Words::recycleStatus, key, ")");
-        vpIndexStatus->template is<Kind>(key, vp);
+        vpIndexStatus->is<Kind>(key, vp);
     }
     Qor::log(resourceNormalLog(), Words::recycleText(key).text());
     reference.vPortIs(vp);

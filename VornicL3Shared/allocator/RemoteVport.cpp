@@ -10,7 +10,8 @@ bool VpIndexAllocator::remoteVportInVpReference(RemoteVtepKey const& key, bool m
 }
 
 bool VpIndexAllocator::remoteVportInVpIndexConfig(RemoteVtepKey const& key, bool mlag) const {
-    return mlag ? vpIndexConfig_->mlagRemoteVportHas(key) : vpIndexConfig_->remoteVportHas(key);
+    return vpIndexConfig_ &&
+           (mlag ? vpIndexConfig_->mlagRemoteVportHas(key) : vpIndexConfig_->remoteVportHas(key));
 }
 
 U16 VpIndexAllocator::getRemoteVportVpIndex(RemoteVtepKey const& key, bool mlag) const {

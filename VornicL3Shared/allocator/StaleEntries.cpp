@@ -5,11 +5,20 @@
 
 namespace VornicCentral {
 
+/// A handler that is running may hold a copy of a reference that is stale as yet, so it goes first.
 void VpIndexAllocatorDirSm::clearStaleEntries() {
+    Pelo::Ptr<VpIndexAllocatorDirSm> const self(this);
+    if (handlerTurns_.running()) {
+        handlerTurns_.leave(this, [self]() noexcept { self->clearAllKinds(); });
+    } else {
+        handlerTurns_.run([&self] { self->clearAllKinds(); });
+    }
+}
+
+void VpIndexAllocatorDirSm::clearAllKinds() {
     VP_TRACE(entryLevel, "clearStaleEntries");
     if (vpReference_) {
-        handlerTurns_.run(
-            [this] { forEachKind([&](auto kind) { clearStaleKind<decltype(kind)>(); }); });
+        forEachKind([&](auto kind) { clearStaleKind<decltype(kind)>(); });
     }
 }
 

@@ -18,8 +18,12 @@ inline constexpr U32 entryLevel = 1;    ///< entry of an operation or handler: i
 inline constexpr U32 stepLevel = 5;     ///< each decision and step
 inline constexpr U32 handOverLevel = 7; ///< the hand-over of an index to one client
 
-/// The handle "VornicVpIndexAllocator", built on first use with all levels off.
-Qor::TraceHandle& vpTraceHandle();
+/// The handle "VornicVpIndexAllocator", built on first use with all levels off. Defined here so
+/// that a trace that is off costs no call.
+inline Qor::TraceHandle& vpTraceHandle() {
+    static Qor::TraceHandle handle("VornicVpIndexAllocator", false);
+    return handle;
+}
 
 } // namespace VornicCentral
 

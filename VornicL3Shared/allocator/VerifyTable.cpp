@@ -38,7 +38,7 @@ template <class Kind> void VpIndexAllocatorDirSm::verifyKind() const {
         VP_ASSERT(reference.references(), "reference.references()", signature);
         VirtualPort vPort = reference.vPort();
         for (Pelo::String const& name : reference.references()) {
-            auto const vpIndexStatus = vpIndexStatusDir_->vpIndexStatus(name);
+            auto const vpIndexStatus = statusOf(name);
             VirtualPort const held =
                 vpIndexStatus ? vpIndexStatus->get<Kind>(it.key()) : VirtualPort();
             if (!vPort.valid()) {

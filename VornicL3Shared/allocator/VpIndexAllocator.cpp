@@ -4,6 +4,7 @@
 
 #include "VornicL3Shared/VpIndexAllocatorDirSm.h"
 #include "allocator/Trace.h"
+#include "qor/Exceptions.h"
 
 #include <type_traits>
 
@@ -21,8 +22,13 @@ VpIndexAllocator::VpIndexAllocator(VpIndexAllocatorDirSm* vpIndexAllocatorDirSm,
       vpReference_(vpReference),
       vfiForwarding_(vfiForwarding) {
     subscribe(true);
-    handleInitialized(); // when it throws, the members' destructors unsubscribe and give the
-                         // records back
+    try {
+        handleInitialized();
+    } catch (...) {
+        subscribe(false);
+        vpIndexAllocatorDirSm_->handlerTurns_.forget(this);
+        throw;
+    }
 }
 
 VpIndexAllocator::~VpIndexAllocator() {
@@ -36,6 +42,9 @@ VpIndexAllocator::VpIndexAllocatorIs(VpIndexAllocatorDirSm* vpIndexAllocatorDirS
                                      Pelo::Ptr<VpIndexStatus> const& vpIndexStatus,
                                      Pelo::Ptr<VpReferenceList> const& vpReference,
                                      bool vfiForwarding) {
+    if (vpIndexAllocatorDirSm == nullptr) {
+        Qor::throwMutatorArgNullPointerException("VpIndexAllocatorIs", "vpIndexAllocatorDirSm");
+    }
     auto allocator = Pelo::newNode<VpIndexAllocator>(vpIndexAllocatorDirSm, vpIndexConfig,
                                                      vpIndexStatus, vpReference, vfiForwarding);
     allocator->hasNotificationActiveIs(true);
@@ -109,7 +118,7 @@ void VpIndexAllocator::react(void const* changed, void (VpIndexAllocator::*handl
         (this->*handler)(key);
         return;
     }
-    stateMachine->handlerTurns_.leave([self, key, handler] {
+    stateMachine->handlerTurns_.leave(this, [self, key, handler]() noexcept {
         if (!self->isZombie()) {
             ((*self).*handler)(key);
         }
@@ -117,9 +126,6 @@ void VpIndexAllocator::react(void const* changed, void (VpIndexAllocator::*handl
 }
 
 void VpIndexAllocator::hasNotificationActiveIs(bool active) {
-    if (nodeFlag(Pelo::NodeFlag::notificationActive) == active) {
-        return;
-    }
     nodeFlagSet(Pelo::NodeFlag::notificationActive, active);
     subscribe(active);
 }

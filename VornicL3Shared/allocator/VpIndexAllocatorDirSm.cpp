@@ -40,6 +40,7 @@ VpIndexAllocatorDirSm::~VpIndexAllocatorDirSm() {
     hasNotificationActiveIs(false);
     qorDoZombieReactors(true);
     subscribe(false);
+    switchAllocators(false); // those too that were made while the reactors were off
     vpBitmapDel();
     vpIndexAllocatorDelAll();
     releaseAll();
@@ -94,10 +95,14 @@ void VpIndexAllocatorDirSm::hasNotificationActiveIs(bool active) {
     bool const wasZombie = isZombie();
     markAndSweepFlagSet(true);
     subscribe(active);
+    switchAllocators(active);
+    markAndSweepFlagSet(wasZombie);
+}
+
+void VpIndexAllocatorDirSm::switchAllocators(bool active) {
     for (Allocators::Iterator it(vpIndexAllocator_); it; it.advance()) {
         it.value()->hasNotificationActiveIs(active);
     }
-    markAndSweepFlagSet(wasZombie);
 }
 
 void VpIndexAllocatorDirSm::qorDoZombieReactors(bool zombie) noexcept {
@@ -121,6 +126,14 @@ void VpIndexAllocatorDirSm::subscribe(bool on) {
     };
     one(vpReference_.get(), referenceSubscriber_);
     one(vpIndexConfigDir_.get(), configDirSubscriber_);
+}
+
+Pelo::Ptr<VpIndexConfig const> VpIndexAllocatorDirSm::configOf(Pelo::String const& name) const {
+    return vpIndexConfigDir_ ? vpIndexConfigDir_->vpIndexConfig(name) : nullptr;
+}
+
+Pelo::Ptr<VpIndexStatus> VpIndexAllocatorDirSm::statusOf(Pelo::String const& name) const {
+    return vpIndexStatusDir_ ? vpIndexStatusDir_->vpIndexStatus(name) : nullptr;
 }
 
 void VpIndexAllocatorDirSm::releaseAll() noexcept {

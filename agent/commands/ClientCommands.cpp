@@ -115,7 +115,7 @@ Reply import(Agent& agent, Arguments const& arguments) {
         ImportReply reply{client.name, {}};
         forEachKind([&](auto kind) {
             using Kind = decltype(kind);
-            reply.requests[Kind::order] = keys.of<Kind>().memberCount();
+            reply.requests[VornicCentral::kindOrder<Kind>] = keys.of<Kind>().memberCount();
             forEachMember(keys.of<Kind>(),
                           [&](auto const& key, bool) { client.config->is<Kind>(key, true); });
         });

@@ -44,6 +44,31 @@ Reply callClient(Agent& agent, Arguments const& arguments);
 Reply clearStale(Agent& agent, Arguments const& arguments);
 Reply verify(Agent& agent, Arguments const& arguments);
 
+// InspectCommands.cpp
+Reply inspect(Agent& agent, Arguments const& arguments);
+/// `call` with a path: `word` is the path of an entity and the name of one of its operations.
+Reply callAtPath(Agent& agent, Word const& word, std::span<Word const> arguments);
+
+// McastCommands.cpp
+Reply mcastCreate(Agent& agent, Arguments const& arguments);
+Reply mcastDestroy(Agent& agent, Arguments const& arguments);
+Reply mcastHigig(Agent& agent, Arguments const& arguments);
+Reply mcastHigigDel(Agent& agent, Arguments const& arguments);
+Reply mcastHigigClear(Agent& agent, Arguments const& arguments);
+Reply mcastBackplane(Agent& agent, Arguments const& arguments);
+Reply mcastInstall(Agent& agent, Arguments const& arguments);
+Reply mcastRemove(Agent& agent, Arguments const& arguments);
+Reply mcastUpdate(Agent& agent, Arguments const& arguments);
+Reply mcastUpdateAll(Agent& agent, Arguments const& arguments);
+Reply mcastShow(Agent& agent, Arguments const& arguments);
+
+// RingCommands.cpp
+Reply showRing(Agent& agent, Arguments const& arguments);
+Reply ringDump(Agent& agent, Arguments const& arguments);
+Reply message(Agent& agent, Arguments const& arguments);
+Reply messageOff(Agent& agent, Arguments const& arguments);
+Reply messageOn(Agent& agent, Arguments const& arguments);
+
 // LookCommands.cpp
 Reply dump(Agent& agent, Arguments const& arguments);
 Reply show(Agent& agent, Arguments const& arguments);

@@ -37,7 +37,7 @@ Reply echo(Agent&, Arguments const& arguments) {
     return {TextReply{std::move(text)}, {}};
 }
 
-Reply help(Agent&, Arguments const& arguments) { return {TextReply{helpText(arguments.word)}, {}}; }
+Reply help(Agent&, Arguments const& arguments) { return {TextReply{helpText(arguments.rest)}, {}}; }
 
 Reply quit(Agent&, Arguments const&) { return {QuitReply{}, {}}; }
 

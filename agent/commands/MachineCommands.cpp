@@ -1,7 +1,6 @@
 #include "commands/Handlers.h"
+#include "commands/OperationCall.h"
 #include "language/Parse.h"
-#include "qor/Exceptions.h"
-#include "qor/Inspection.h"
 #include "state/Agent.h"
 #include "state/VerifyInCopy.h"
 #include "text/Utf8.h"
@@ -58,46 +57,6 @@ Reply started(Agent const& agent) {
     return reply;
 }
 
-CallReply callReply(Qor::GenericValue const& value) {
-    if (value.empty()) {
-        return {};
-    }
-    switch (value.type()->kind()) {
-    case Qor::ValueKind::boolean:
-        return {value.as<bool>()};
-    case Qor::ValueKind::number:
-        return {static_cast<U64>(std::stoull(value.text()))};
-    default:
-        return {value.text()};
-    }
-}
-
-/// Calls an operation; `operation` and `texts` are the words that name it and its arguments.
-Reply callOperation(Pelo::Node& node, Word const& operation, std::span<Word const> words) {
-    std::vector<std::string_view> texts;
-    std::transform(words.begin(), words.end(), std::back_inserter(texts),
-                   [](Word const& word) { return word.text; });
-    try {
-        Qor::CallResult const result = Qor::callByName(node, operation.text, texts);
-        if (!result.refusal) {
-            return {callReply(result.value), {}};
-        }
-        Qor::CallRefusal const& refusal = *result.refusal;
-        if (refusal.argument == Qor::CallRefusal::operationName) {
-            throw badWord("operation", operation, refusal.error);
-        }
-        if (refusal.argument >= words.size()) {
-            Word const& last = words.empty() ? operation : words.back();
-            throw Refusal("an argument is missing, expected " + refusal.error.expected,
-                          Place{last.at + last.raw.size(), 0});
-        }
-        throw badWord("argument", words[refusal.argument], refusal.error);
-    } catch (Qor::Exception const& exception) {
-        throw Refusal(inQuotes(operation.text) + " was refused: " + exception.what(),
-                      operation.place());
-    }
-}
-
 } // namespace
 
 Reply start(Agent& agent, Arguments const& arguments) {
@@ -124,6 +83,9 @@ Reply restart(Agent& agent, Arguments const& arguments) {
 }
 
 Reply call(Agent& agent, Arguments const& arguments) {
+    if (arguments.word->text.find('/') != std::string_view::npos) {
+        return callAtPath(agent, *arguments.word, arguments.rest);
+    }
     return callOperation(runningMachine(agent, arguments), *arguments.word, arguments.rest);
 }
 

@@ -9,10 +9,10 @@
 
 namespace VpAgent {
 
-namespace {
-
-/// What is shown of a value that is not what it should be.
 std::string sample(Json const& value) {
+    if (value.is_structured()) {
+        return value.is_array() ? "an array" : "an object";
+    }
     constexpr std::size_t longest = 40;
     std::string text = value.dump(-1, ' ', false, Json::error_handler_t::replace);
     if (text.size() > longest) {
@@ -21,12 +21,11 @@ std::string sample(Json const& value) {
     return printable(text);
 }
 
-} // namespace
-
 Entry::Entry(std::string name, Json const& fields) : name_(std::move(name)), fields_(fields) {
     if (!fields.is_object()) {
         refuse(sample(fields), "an object");
     }
+    checkNames(fields, [](std::string_view) { return true; });
 }
 
 Json const* Entry::find(std::string_view field) const {

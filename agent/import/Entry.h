@@ -10,11 +10,14 @@
 
 namespace VpAgent {
 
+/// What is shown of a value that is not what it should be.
+std::string sample(Json const& value);
+
 /// One entry of an imported file: its name, for messages, and its fields. What it reads is checked;
 /// what is missing or malformed is refused with the entry's name.
 class Entry {
 public:
-    /// `fields` must outlive the entry and be an object.
+    /// `fields` must outlive the entry and be an object, with each name once.
     Entry(std::string name, Json const& fields);
 
     std::string const& name() const noexcept { return name_; }

@@ -1,12 +1,15 @@
 #include "import/JsonFile.h"
 
+#include "statefile/OwnFiles.h"
 #include "text/Refusal.h"
 #include "text/Utf8.h"
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -22,6 +25,27 @@ std::string lineAndColumn(std::string_view text, std::size_t byte) {
     std::size_t const start = before.rfind('\n') + 1; // npos + 1 is 0
     return "line " + std::to_string(line) + ", column " +
            std::to_string(utf8Length(before.substr(start)) + 1);
+}
+
+/// Where a text that is JSON up to there opens one container too many; counts from 1 as well.
+std::size_t tooDeepAt(std::string_view text) {
+    std::size_t depth = 0;
+    bool quoted = false;
+    std::size_t at = 0;
+    for (; at < text.size() && depth <= deepestJson; ++at) {
+        char const c = text[at];
+        if (quoted) {
+            at += c == '\\' ? 1 : 0;
+            quoted = c != '"';
+        } else if (c == '[' || c == '{') {
+            ++depth;
+        } else if (c == ']' || c == '}') {
+            --depth;
+        } else {
+            quoted = c == '"';
+        }
+    }
+    return at;
 }
 
 /// Builds the tree from the parser's events. The containers under way stand on a stack, the
@@ -45,17 +69,16 @@ public:
     bool end_array() override { return close(); }
 
     bool key(string_t& name) override {
-        Level& level = levels_.back();
-        if (!level.names.insert(name).second) {
-            throw Refusal("the name " + inQuotes(name) +
-                          " stands twice in one object, expected it once");
-        }
-        level.name = std::move(name);
+        levels_.back().name = std::move(name);
         return true;
     }
 
     bool parse_error(std::size_t position, std::string const&,
                      nlohmann::detail::exception const&) override {
+        refuse(position);
+    }
+
+    [[noreturn]] void refuse(std::size_t position) const {
         throw Refusal("no JSON at " + lineAndColumn(text_, position) +
                       ", expected a JSON object or array");
     }
@@ -64,11 +87,15 @@ private:
     struct Level {
         Json container;
         std::string name; ///< of the member under way
-        std::unordered_set<std::string> names;
     };
 
     bool open(Json container) {
-        levels_.push_back({std::move(container), {}, {}});
+        if (levels_.size() == deepestJson) {
+            throw Refusal("nested too deep at " + lineAndColumn(text_, tooDeepAt(text_)) +
+                          ", expected at most " + std::to_string(deepestJson) +
+                          " objects and arrays within each other");
+        }
+        levels_.push_back({std::move(container), {}});
         return true;
     }
 
@@ -99,12 +126,65 @@ private:
     Json result_;
 };
 
+[[noreturn]] void refuseFile(std::filesystem::path const& path, std::string const& reason) {
+    throw Refusal("cannot read " + inQuotes(path.string()) + " (" + reason +
+                  "), expected a readable file");
+}
+
+/// A file that is open for reading.
+class OpenedFile {
+public:
+    explicit OpenedFile(std::filesystem::path const& path)
+        : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+        if (descriptor_ < 0) {
+            refuseFile(path_, std::strerror(errno));
+        }
+    }
+    ~OpenedFile() { ::close(descriptor_); }
+    OpenedFile(OpenedFile const&) = delete;
+    OpenedFile& operator=(OpenedFile const&) = delete;
+
+    /// Reads on, behind what is in `content`. False at the end of the file.
+    bool readOn(std::string& content) const {
+        constexpr std::size_t chunk = std::size_t{64} * 1024;
+        std::size_t const before = content.size();
+        content.resize(before + chunk);
+        ssize_t count = 0;
+        do {
+            count = ::read(descriptor_, content.data() + before, chunk);
+        } while (count < 0 && errno == EINTR);
+        if (count < 0) {
+            refuseFile(path_, std::strerror(errno));
+        }
+        content.resize(before + static_cast<std::size_t>(count));
+        return count > 0;
+    }
+
+private:
+    std::filesystem::path const& path_;
+    int descriptor_;
+};
+
 } // namespace
 
 Json parseJson(std::string_view text) {
     TreeBuilder builder(text);
     Json::sax_parse(text, &builder);
+    std::size_t const nul = text.find('\0'); // which the parser takes for the end of the text
+    if (nul != std::string_view::npos) {
+        builder.refuse(nul + 1);
+    }
     return builder.takeResult();
+}
+
+void checkNames(Json const& object, bool (*counts)(std::string_view name)) {
+    std::unordered_set<std::string_view> names;
+    for (auto const& [name, value] : object.items()) {
+        if (counts(name) && !names.insert(name).second) {
+            throw Refusal("the name " + inQuotes(name) +
+                          " stands twice in one object, expected it once");
+        }
+    }
 }
 
 std::string readFile(std::filesystem::path const& path) {
@@ -112,13 +192,12 @@ std::string readFile(std::filesystem::path const& path) {
     if (std::filesystem::is_directory(path, error)) {
         throw Refusal(inQuotes(path.string()) + " is a folder, expected a file");
     }
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (!file.is_open() || file.bad()) {
-        std::string const reason = errno == 0 ? "" : std::string(" (") + std::strerror(errno) + ")";
-        throw Refusal("cannot read " + inQuotes(path.string()) + reason +
-                      ", expected a readable file");
+    if (isStateFile(path)) {
+        refuseFile(path, belongsToStateFile);
+    }
+    OpenedFile const file(path);
+    std::string content;
+    while (file.readOn(content)) {
     }
     return content;
 }

@@ -88,15 +88,21 @@ void readEntry(RequestedKeys& keys, Table const& table, std::string const& key,
     table.read(keys, Entry(std::string(table.name) + '|' + key, fields), key);
 }
 
-/// One member of the database: a whole table, or in the flat form one entry.
+/// The table that a member of the database is, or in the flat form is an entry of; null when it is
+/// not known.
+Table const* tableOf(std::string_view name) {
+    std::string_view const tableName = name.substr(0, name.find('|'));
+    auto const* const table = std::find_if(
+        tables.begin(), tables.end(), [&](Table const& each) { return each.name == tableName; });
+    return table == tables.end() ? nullptr : table;
+}
+
 void readMember(RequestedKeys& keys, std::string const& name, Json const& value) {
-    std::size_t const bar = name.find('|');
-    auto const* const table = std::find_if(tables.begin(), tables.end(), [&](Table const& each) {
-        return each.name == std::string_view(name).substr(0, bar);
-    });
-    if (table == tables.end()) {
+    Table const* const table = tableOf(name);
+    if (table == nullptr) {
         return;
     }
+    std::size_t const bar = name.find('|');
     if (bar != std::string::npos) {
         readEntry(keys, *table, name.substr(bar + 1), value);
         return;
@@ -104,6 +110,7 @@ void readMember(RequestedKeys& keys, std::string const& name, Json const& value)
     if (!value.is_object()) {
         throw Refusal(name + ": the table is no object, expected an object of entries");
     }
+    checkNames(value, [](std::string_view) { return true; });
     for (auto const& [key, fields] : value.items()) {
         readEntry(keys, *table, key, fields);
     }
@@ -116,8 +123,9 @@ void readVni(RequestedKeys& keys, std::string const& name, Json const& value) {
     Json const* const vteps = network.find("remoteVteps");
     if (vteps == nullptr) {
         Json const* const count = network.find("numRemoteVteps");
-        if (count != nullptr && *count != 0) {
-            network.refuse("numRemoteVteps " + count->dump() + " without remoteVteps",
+        bool const none = count == nullptr || *count == 0 || *count == Json("n/a");
+        if (!none) {
+            network.refuse("numRemoteVteps " + sample(*count) + " without remoteVteps",
                            "the list of them");
         }
         return;
@@ -150,10 +158,12 @@ RequestedKeys::RequestedKeys(Json const& file) {
         throw Refusal(
             "the file is no object and no array, expected a configuration database or EVPN state");
     } else if (std::any_of(file.begin(), file.end(), hasRemoteVteps)) {
+        checkNames(file, [](std::string_view) { return true; });
         for (auto const& [name, value] : file.items()) {
             readVni(*this, inQuotes(name) + ": ", value);
         }
     } else {
+        checkNames(file, [](std::string_view name) { return tableOf(name) != nullptr; });
         for (auto const& [name, value] : file.items()) {
             readMember(*this, name, value);
         }

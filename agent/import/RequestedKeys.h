@@ -27,12 +27,12 @@ public:
     explicit RequestedKeys(Json const& file);
 
     template <class Kind> Collection<Kind> const& of() const noexcept {
-        return std::get<Kind::order>(keys_);
+        return std::get<VornicCentral::kindOrder<Kind>>(keys_);
     }
 
     /// Adds a key; nothing happens when it is there.
     template <class Kind> void add(typename Kind::Key const& key) {
-        std::get<Kind::order>(keys_).memberIs(key, true);
+        std::get<VornicCentral::kindOrder<Kind>>(keys_).memberIs(key, true);
     }
 
 private:

@@ -1,5 +1,6 @@
 #include "input/FileLines.h"
 
+#include "statefile/OwnFiles.h"
 #include "text/Utf8.h"
 
 #include <fcntl.h>
@@ -24,17 +25,21 @@ bool isFolder(int file) {
 } // namespace
 
 FileLines::FileLines(std::string name, std::function<void()> beforeRead)
-    : name_(std::move(name)),
-      beforeRead_(std::move(beforeRead)),
-      file_(name_ == "-" ? STDIN_FILENO : ::open(name_.c_str(), O_RDONLY | O_CLOEXEC)) {
+    : name_(std::move(name)), beforeRead_(std::move(beforeRead)) {
+    if (name_ != "-") {
+        if (isStateFile(name_)) {
+            refuse(belongsToStateFile);
+        }
+        file_ = ::open(name_.c_str(), O_RDONLY | O_CLOEXEC);
+    }
     if (file_ < 0) {
-        refuse(errno);
+        refuse(std::strerror(errno));
     }
     if (isFolder(file_)) {
         if (file_ != STDIN_FILENO) {
             ::close(file_);
         }
-        refuse(EISDIR);
+        refuse(std::strerror(EISDIR));
     }
 }
 
@@ -76,15 +81,14 @@ bool FileLines::readMore() {
     int const reason = errno;
     buffer_.resize(kept + static_cast<std::size_t>(count < 0 ? 0 : count));
     if (count < 0) {
-        refuse(reason);
+        refuse(std::strerror(reason));
     }
     return count > 0;
 }
 
-void FileLines::refuse(int reason) const {
+void FileLines::refuse(std::string const& reason) const {
     std::string const name = name_ == "-" ? "standard input" : inQuotes(name_);
-    throw Refusal("cannot read " + name + " (" + std::strerror(reason) +
-                  "), expected a readable script");
+    throw Refusal("cannot read " + name + " (" + reason + "), expected a readable script");
 }
 
 } // namespace VpAgent

@@ -2,6 +2,8 @@
 
 #include "input/LineSource.h"
 
+#include <unistd.h>
+
 #include <functional>
 #include <string>
 
@@ -14,7 +16,8 @@ namespace VpAgent {
 /// called.
 class FileLines final : public LineSource {
 public:
-    /// Opens the file. Throws `Refusal` when it cannot be read.
+    /// Opens the file. Throws `Refusal` when it cannot be read, or belongs to the state file in
+    /// use.
     FileLines(std::string name, std::function<void()> beforeRead);
     ~FileLines() override;
     FileLines(FileLines const&) = delete;
@@ -24,11 +27,11 @@ public:
 
 private:
     bool readMore();
-    [[noreturn]] void refuse(int reason) const;
+    [[noreturn]] void refuse(std::string const& reason) const;
 
     std::string name_;
     std::function<void()> beforeRead_;
-    int file_;
+    int file_ = STDIN_FILENO;
     std::string buffer_;
     std::size_t at_ = 0; ///< of the next line in `buffer_`
     std::size_t number_ = 0;

@@ -1,59 +1,106 @@
 #include "input/TerminalLines.h"
 
-#include "language/Completion.h"
+#include "input/TerminalCompletion.h"
 #include "state/Agent.h"
 
 #include <editline/readline.h>
+#include <langinfo.h>
+#include <termios.h>
 #include <unistd.h>
 
+#include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
-#include <vector>
+#include <string_view>
+#include <utility>
 
 namespace VpAgent {
 
 namespace {
 
-// The line editor calls plain functions, so what they need stands here while there is a terminal.
-Agent const* agentAtTerminal = nullptr;
-std::vector<std::string> candidates;
+using Line = std::unique_ptr<char, decltype(&std::free)>;
 
-constexpr int blank = 0x20;
-
-char* nextCandidate(char const*, int state) {
-    static std::size_t at = 0;
-    at = state == 0 ? 0 : at + 1;
-    return at < candidates.size() ? ::strdup(candidates[at].c_str()) : nullptr;
+/// The line editor drops characters that the locale does not have, so that another command would be
+/// run than was typed. Commands are UTF-8, whatever the locale is.
+void takeUtf8() {
+    std::setlocale(LC_CTYPE, "");
+    if (std::string_view(::nl_langinfo(CODESET)) != "UTF-8") {
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+    }
 }
 
-char** completeWord(char const* text, int, int end) {
-    std::string_view const typed =
-        std::string_view(rl_line_buffer).substr(0, static_cast<std::size_t>(end));
-    Completion const completion = complete(typed, *agentAtTerminal);
-    rl_attempted_completion_over = completion.files ? 0 : 1;
-    candidates = completion.words;
-    bool const goesOn = candidates.size() == 1 && candidates[0].ends_with('=');
-    rl_completion_append_character = goesOn ? 0 : blank;
-    return candidates.empty() ? nullptr : rl_completion_matches(text, nextCandidate);
+bool lineDropped = false;
+
+int dropLine(int, int) {
+    lineDropped = true;
+    rl_done = 1;
+    return 0;
+}
+
+int raiseQuit(int, int) { return std::raise(SIGQUIT); }
+
+int raiseStop(int, int) { return std::raise(SIGTSTP); }
+
+/// What the terminal's characters for signals do while a line is typed. The one that interrupts
+/// drops the line, as in shells, and does not end the program, and a database in memory with it.
+struct SignalKey {
+    int character; ///< in the terminal's settings
+    char const* name;
+    rl_command_func_t* act;
+};
+
+constexpr SignalKey signalKeys[] = {
+    {VINTR, "drop-line", dropLine},
+    {VQUIT, "raise-quit", raiseQuit},
+    {VSUSP, "raise-stop", raiseStop},
+};
+
+void bindSignalKeys() {
+    termios settings{};
+    if (::tcgetattr(STDIN_FILENO, &settings) != 0) {
+        return;
+    }
+    for (SignalKey const& key : signalKeys) {
+        cc_t const character = settings.c_cc[key.character];
+        if (character != _POSIX_VDISABLE) {
+            rl_add_defun(key.name, key.act, character);
+        }
+    }
+}
+
+/// Hands those characters to the line editor, which sets up the terminal anew for each line before
+/// it calls this, and back when the line is complete.
+int takeSignalKeys() { return rl_parse_and_bind("setty -d -isig"); }
+
+/// The next line that is not dropped; null at the end.
+Line typedLine() {
+    for (;;) {
+        lineDropped = false;
+        Line line(::readline("vpagent> "), &std::free);
+        if (!lineDropped) {
+            return line;
+        }
+        std::puts("^C");
+    }
 }
 
 } // namespace
 
 TerminalLines::TerminalLines(Agent const& agent) : agent_(agent) {
     static char programName[] = "vpagent";
-    static char wordBreaks[] = " \t";
-    agentAtTerminal = &agent;
+    takeUtf8();
     rl_readline_name = programName;
-    rl_completer_word_break_characters = wordBreaks;
-    rl_attempted_completion_function = completeWord;
     using_history();
+    completeFor(&agent);
+    bindSignalKeys();
+    rl_pre_input_hook = takeSignalKeys;
 }
 
 TerminalLines::~TerminalLines() {
-    rl_attempted_completion_function = nullptr;
-    agentAtTerminal = nullptr;
+    rl_pre_input_hook = nullptr;
+    completeFor(nullptr);
 }
 
 bool TerminalLines::available() {
@@ -62,7 +109,7 @@ bool TerminalLines::available() {
 
 bool TerminalLines::next(CommandLine& line) {
     agent_.reporter.flush();
-    std::unique_ptr<char, decltype(&std::free)> const typed(::readline("vpagent> "), &std::free);
+    Line const typed = typedLine();
     if (typed == nullptr) {
         std::puts("");
         std::fflush(stdout);

@@ -10,7 +10,9 @@ class Agent;
 
 /// The lines that a person types, with a prompt, line editing, history and completion.
 ///
-/// One at a time, since the line editor is one for the process.
+/// Lines are UTF-8 in every locale. The interrupt character (Ctrl-C) drops the line that is typed;
+/// while a command runs it ends the program. One at a time, since the line editor is one for the
+/// process.
 class TerminalLines final : public LineSource {
 public:
     /// `agent` gives the names that are completed, and sends its reports before each prompt.

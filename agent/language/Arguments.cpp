@@ -2,7 +2,10 @@
 
 #include "language/CommandTable.h"
 #include "language/Parse.h"
+#include "qor/ValueTraits.h"
 #include "text/Utf8.h"
+
+#include <algorithm>
 
 namespace VpAgent {
 
@@ -24,10 +27,14 @@ public:
         return words_.all()[next_++];
     }
 
-    std::span<Word const> takeAll() {
+    std::span<Word const> takeAll() { return takeUpTo(words_.all().size()); }
+
+    /// The next words, as many as there are but no more than `most`.
+    std::span<Word const> takeUpTo(std::size_t most) {
         auto const rest = words_.all().subspan(next_);
-        next_ = words_.all().size();
-        return rest;
+        auto const taken = rest.first(std::min(most, rest.size()));
+        next_ += taken.size();
+        return taken;
     }
 
     void end() const {
@@ -45,6 +52,11 @@ private:
 };
 
 void readOne(ArgumentType type, Reader& reader, Arguments& arguments) {
+    if (type == ArgumentType::command) {
+        constexpr std::size_t mostWords = 2;
+        arguments.rest = reader.takeUpTo(mostWords);
+        return;
+    }
     Word const& word = reader.take();
     switch (type) {
     case ArgumentType::client:
@@ -57,6 +69,16 @@ void readOne(ArgumentType type, Reader& reader, Arguments& arguments) {
     case ArgumentType::index:
         arguments.index = parseIndex(word);
         break;
+    case ArgumentType::fap:
+        arguments.fap = parseWord("chip", word, Devbus::FapId::parse);
+        break;
+    case ArgumentType::truth:
+        arguments.truth = parseWord("value", word, Qor::parseBool);
+        break;
+    case ArgumentType::api:
+        checkName(word, "name");
+        arguments.word = &word;
+        break;
     default:
         arguments.word = &word;
     }
@@ -67,6 +89,11 @@ void readList(ArgumentType type, Reader& reader, Arguments& arguments) {
     if (type == ArgumentType::client) {
         for (Word const& word : arguments.rest) {
             checkName(word);
+        }
+    }
+    if (type == ArgumentType::intf) {
+        for (Word const& word : arguments.rest) {
+            arguments.intfs.insert(parseWord("interface", word, Netzo::IntfId::parse));
         }
     }
 }

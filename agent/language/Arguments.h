@@ -1,5 +1,7 @@
 #pragma once
 
+#include "devbus/FapId.h"
+#include "interface/IntfSet.h"
 #include "language/Vport.h"
 #include "language/Words.h"
 #include "pelo/Integers.h"
@@ -17,8 +19,11 @@ struct Arguments {
     Word const* client = nullptr; ///< a client name
     std::optional<Vport> vport;
     U16 index = 0;
-    Word const* word = nullptr; ///< an operation, a file, a command, a view
-    std::span<Word const> rest; ///< a list of names, texts, arguments or settings
+    Devbus::FapId fap;
+    Interface::IntfSet intfs;
+    bool truth = false;
+    Word const* word = nullptr; ///< an operation, a file, a view, a group API
+    std::span<Word const> rest; ///< a list of names, texts, arguments or settings, a command
 };
 
 /// Reads the arguments of `command` from the words behind it. Throws `Refusal` with the place: a

@@ -1,7 +1,9 @@
 #include "language/CommandTable.h"
 
 #include "commands/Handlers.h"
+#include "language/RingOptions.h"
 #include "language/StartSettings.h"
+#include "text/Alternatives.h"
 #include "text/Utf8.h"
 
 #include <unordered_map>
@@ -17,9 +19,17 @@ constexpr Argument vport{ArgumentType::vport, Count::one};
 constexpr Argument index{ArgumentType::index, Count::one};
 constexpr Argument settings{ArgumentType::setting, Count::any};
 constexpr Argument operation{ArgumentType::operation, Count::one};
+constexpr Argument called{ArgumentType::called, Count::one};
+constexpr Argument maybeInspected{ArgumentType::inspected, Count::optional};
 constexpr Argument values{ArgumentType::value, Count::any};
 constexpr Argument file{ArgumentType::file, Count::one};
+constexpr Argument ringOptions{ArgumentType::option, Count::any};
+constexpr Argument messages{ArgumentType::message, Count::some};
 constexpr Argument maybeView{ArgumentType::view, Count::optional};
+constexpr Argument fap{ArgumentType::fap, Count::one};
+constexpr Argument intfs{ArgumentType::intf, Count::any};
+constexpr Argument truth{ArgumentType::truth, Count::one};
+constexpr Argument api{ArgumentType::api, Count::one};
 constexpr Argument texts{ArgumentType::text, Count::some};
 constexpr Argument maybeCommand{ArgumentType::command, Count::optional};
 
@@ -97,7 +107,11 @@ constexpr Command table[] = {
      {settings},
      "stops and starts, with the last settings but those given",
      Handlers::restart},
-    {"call", "", {operation, values}, "calls an operation of the state machine", Handlers::call},
+    {"call",
+     "",
+     {called, values},
+     "calls an operation of the state machine, or of the entity at PATH",
+     Handlers::call},
     {"call-client",
      "",
      {name, operation, values},
@@ -113,8 +127,65 @@ constexpr Command table[] = {
      {},
      "checks that records and pool agree, in a copy of the process",
      Handlers::verify},
+    {"mcast",
+     "create",
+     {},
+     "makes the multicast entities, in memory only: no state file keeps them",
+     Handlers::mcastCreate},
+    {"mcast",
+     "higig",
+     {fap, intfs},
+     "gives a forwarding chip its Higig interfaces",
+     Handlers::mcastHigig},
+    {"mcast", "higig-del", {fap}, "removes a chip from the Higig sets", Handlers::mcastHigigDel},
+    {"mcast", "higig-clear", {}, "removes all chips, one by one", Handlers::mcastHigigClear},
+    {"mcast",
+     "backplane",
+     {intfs},
+     "replaces the backplane interfaces that are allowed",
+     Handlers::mcastBackplane},
+    {"mcast",
+     "install",
+     {api},
+     "installs a sample group API, which reports its calls",
+     Handlers::mcastInstall},
+    {"mcast", "remove", {}, "removes the installed group API", Handlers::mcastRemove},
+    {"mcast",
+     "update",
+     {fap, truth},
+     "lets the group API update the L2 bitmaps of a chip",
+     Handlers::mcastUpdate},
+    {"mcast",
+     "update-all",
+     {},
+     "lets the group API update those of all chips",
+     Handlers::mcastUpdateAll},
+    {"mcast", "show", {}, "shows the multicast entities", Handlers::mcastShow},
+    {"mcast", "destroy", {}, "lets the multicast entities go", Handlers::mcastDestroy},
     {"dump", "", {}, "prints the whole state as one JSON object", Handlers::dump},
+    {"show",
+     "ring",
+     {ringOptions},
+     "shows the records of the ring buffer, or writes them as a trace",
+     Handlers::showRing},
     {"show", "", {maybeView, maybeName}, "shows the state, or one view of it", Handlers::show},
+    {"inspect",
+     "",
+     {maybeInspected},
+     "shows the types that can be reached by name, one of them, or an entity",
+     Handlers::inspect},
+    {"ring",
+     "dump",
+     {file},
+     "writes the ring buffer to a file, for 'show ring --from FILE'",
+     Handlers::ringDump},
+    {"message", "", {}, "lists the messages of the ring buffer by number", Handlers::message},
+    {"message",
+     "off",
+     {messages},
+     "keeps messages out of the ring buffer from now on",
+     Handlers::messageOff},
+    {"message", "on", {messages}, "lets messages in again", Handlers::messageOn},
     {"begin", "", {}, "begins a unit of the state file", Handlers::begin},
     {"commit", "", {}, "ends the unit: all of it is on disk", Handlers::commit},
     {"echo", "", {texts}, "prints its words", Handlers::echo},
@@ -134,6 +205,10 @@ std::string label(ArgumentType type) {
         return "INDEX";
     case ArgumentType::operation:
         return "OPERATION";
+    case ArgumentType::called:
+        return "[PATH/]OPERATION";
+    case ArgumentType::inspected:
+        return "TYPE|PATH";
     case ArgumentType::value:
         return "ARG";
     case ArgumentType::file:
@@ -144,6 +219,18 @@ std::string label(ArgumentType type) {
         return "SETTING";
     case ArgumentType::view:
         return "WHAT";
+    case ArgumentType::fap:
+        return "FAP";
+    case ArgumentType::intf:
+        return "INTF";
+    case ArgumentType::truth:
+        return "true|false";
+    case ArgumentType::api:
+        return "NAME";
+    case ArgumentType::option:
+        return "OPTION";
+    case ArgumentType::message:
+        return "NUMBER";
     case ArgumentType::command:
         return "COMMAND";
     }
@@ -166,26 +253,11 @@ Groups makeGroups() {
     return groups;
 }
 
-/// The last of several words is joined with "or": `client add, client remove or client retire`.
-class Alternatives {
-public:
-    void add(std::string const& word) {
-        if (!last_.empty()) {
-            text_ += text_.empty() ? last_ : ", " + last_;
-        }
-        last_ = word;
-    }
-    std::string text() const { return text_.empty() ? last_ : text_ + " or " + last_; }
-
-private:
-    std::string text_;
-    std::string last_;
-};
-
 std::string listed(std::span<Command const> commands) {
     Alternatives alternatives;
     for (Command const& command : commands) {
-        alternatives.add(std::string(command.word) + ' ' + std::string(command.second));
+        alternatives.add(std::string(command.word) + (command.second.empty() ? "" : " ") +
+                         std::string(command.second));
     }
     return alternatives.text();
 }
@@ -195,7 +267,7 @@ std::string firstWords() {
     std::string_view former;
     for (Command const& command : table) {
         if (command.word != former) {
-            alternatives.add(std::string(command.word));
+            alternatives.add(command.word);
         }
         former = command.word;
     }
@@ -218,6 +290,10 @@ std::string Command::usage() const {
             text += ' ' + settingWords();
             continue;
         }
+        if (argument.type == ArgumentType::option) {
+            text += ' ' + ringOptionWords();
+            continue;
+        }
         bool const optional = argument.count == Count::optional || argument.count == Count::any;
         bool const several = argument.count == Count::any || argument.count == Count::some;
         text += optional ? " [" : " ";
@@ -235,8 +311,27 @@ std::span<Command const> commandsOf(std::string_view word) {
     return found == groups.end() ? std::span<Command const>() : found->second;
 }
 
+Command const* commandOf(std::span<Command const> commands, std::string_view second) {
+    Command const* plain = nullptr;
+    for (Command const& command : commands) {
+        if (command.second == second) {
+            return &command;
+        }
+        bool const alone = commands.size() == 1;
+        bool const takesMore = alone || command.arguments[0].type != ArgumentType::none;
+        plain = command.second.empty() && takesMore ? &command : plain;
+    }
+    return plain;
+}
+
 Refusal unknownCommand(Word const& word) {
     return {"unknown command " + inQuotes(word.text) + ", expected " + firstWords(), word.place()};
+}
+
+Refusal unknownCommand(Word const& first, Word const& second) {
+    std::string const both = std::string(first.text) + ' ' + std::string(second.text);
+    return {"unknown command " + inQuotes(both) + ", expected " + listed(commandsOf(first.text)),
+            second.place()};
 }
 
 Command const& findCommand(Words const& words) {
@@ -245,22 +340,14 @@ Command const& findCommand(Words const& words) {
     if (commands.empty()) {
         throw unknownCommand(first);
     }
-    if (commands[0].second.empty()) {
-        return commands[0];
+    bool const alone = words.all().size() < 2;
+    if (auto const* const command = commandOf(commands, alone ? "" : words.all()[1].text)) {
+        return *command;
     }
-    if (words.all().size() < 2) {
+    if (alone) {
         throw Refusal("a word is missing, expected " + listed(commands), Place{words.end(), 0});
     }
-    Word const& second = words.all()[1];
-    for (Command const& command : commands) {
-        if (command.second == second.text) {
-            return command;
-        }
-    }
-    throw Refusal("unknown command " +
-                      inQuotes(std::string(first.text) + ' ' + std::string(second.text)) +
-                      ", expected " + listed(commands),
-                  second.place());
+    throw unknownCommand(first, words.all()[1]);
 }
 
 } // namespace VpAgent

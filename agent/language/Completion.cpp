@@ -1,14 +1,19 @@
 #include "language/Completion.h"
 
+#include "inspect/PathCompletion.h"
 #include "language/CommandTable.h"
+#include "language/RingOptions.h"
 #include "language/StartSettings.h"
 #include "language/Words.h"
-#include "qor/TypeData.h"
+#include "lumlog/Reader.h"
+#include "lumlog/RingBuffer.h"
+#include "qor/TypeModule.h"
 #include "state/Agent.h"
 #include "view/Show.h"
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace VpAgent {
 
@@ -25,6 +30,23 @@ void addFirstWords(Candidates& candidates) {
 void addClients(Candidates& candidates, Agent const& agent) {
     agent.database.forEachClient(
         [&](Client const& client) { candidates.insert(asWord(client.name)); });
+}
+
+/// The chips that have Higig interfaces.
+void addChips(Candidates& candidates, Agent const& agent) {
+    if (agent.multicast.created()) {
+        forEachMember(agent.multicast.higig()->higigIntfs(), [&](Devbus::FapId chip, auto const&) {
+            candidates.insert(chip.stringValue());
+        });
+    }
+}
+
+void addInstalled(Candidates& candidates, Agent const& agent) {
+    std::string const* const name =
+        agent.multicast.created() ? agent.multicast.installed() : nullptr;
+    if (name != nullptr) {
+        candidates.insert(asWord(*name));
+    }
 }
 
 void addSettings(Candidates& candidates) {
@@ -55,13 +77,45 @@ Qor::TypeData const* calledType(Command const& command, Agent const& agent) {
         return nullptr;
     }
     auto const& stateMachine = agent.machine.stateMachine();
-    if (command.arguments[0].type == ArgumentType::operation) {
+    if (command.arguments[0].type == ArgumentType::called) {
         return stateMachine.typeData();
     }
     Qor::TypeData const* type = nullptr;
     forEachMember(stateMachine.vpIndexAllocator(),
                   [&](auto const&, auto const& allocator) { type = allocator->typeData(); });
     return type;
+}
+
+/// The types, by their names with and without namespaces.
+void addTypes(Candidates& candidates) {
+    for (Qor::TypeModule const* const module : Qor::TypeModule::all()) {
+        for (Qor::TypeData const* const type : module->types()) {
+            candidates.emplace(type->name());
+            if (Qor::TypeData::find(type->unqualifiedName()) == type) {
+                candidates.emplace(type->unqualifiedName());
+            }
+        }
+    }
+}
+
+/// Options behind the word `before`. Where the value of one stands, `type` becomes what it is.
+void addRingOptions(Candidates& candidates, Word const& before, ArgumentType& type) {
+    RingOption const* const former = findRingOption(before.text);
+    if (former != nullptr && !former->value.empty()) {
+        type = former->path ? ArgumentType::file : ArgumentType::none;
+        return;
+    }
+    for (RingOption const& option : ringOptionList()) {
+        candidates.emplace(option.name);
+    }
+}
+
+void addMessages(Candidates& candidates) {
+    if (Lumlog::RingBuffer const* const ring = Lumlog::RingBuffer::current()) {
+        for (Lumlog::DecodedMessage const& message : Lumlog::Reader(ring->bytes()).messages()) {
+            candidates.insert(std::to_string(message.msgId));
+        }
+    }
 }
 
 /// The argument to which the word number `position` behind the command's own words belongs, and how
@@ -74,7 +128,9 @@ struct ArgumentAt {
 ArgumentAt argumentAt(Command const& command, std::size_t position) {
     for (Argument const argument : command.arguments) {
         bool const list = argument.count == Count::any || argument.count == Count::some;
-        std::size_t const width = argument.type == ArgumentType::vport ? 2 : 1;
+        bool const pair =
+            argument.type == ArgumentType::vport || argument.type == ArgumentType::command;
+        std::size_t const width = pair ? 2 : 1;
         if (list || position < width) {
             return {argument, list ? 0 : position};
         }
@@ -84,7 +140,7 @@ ArgumentAt argumentAt(Command const& command, std::size_t position) {
 }
 
 void addArgument(Candidates& candidates, Command const& command, std::size_t position,
-                 Agent const& agent) {
+                 std::string_view partial, Agent const& agent) {
     auto const [argument, wordsBefore] = argumentAt(command, position);
     switch (argument.type) {
     case ArgumentType::client:
@@ -102,56 +158,123 @@ void addArgument(Candidates& candidates, Command const& command, std::size_t pos
     case ArgumentType::operation:
         addOperations(candidates, calledType(command, agent));
         break;
+    case ArgumentType::called:
+        addOperations(candidates, calledType(command, agent));
+        candidates.merge(pathsBehind(partial, agent, PathUse::call));
+        break;
+    case ArgumentType::inspected:
+        addTypes(candidates);
+        candidates.merge(pathsBehind(partial, agent, PathUse::inspect));
+        break;
     case ArgumentType::view:
         candidates.insert(viewNames().begin(), viewNames().end());
         break;
+    case ArgumentType::fap:
+        addChips(candidates, agent);
+        break;
+    case ArgumentType::truth:
+        candidates.insert({"true", "false"});
+        break;
+    case ArgumentType::api:
+        addInstalled(candidates, agent);
+        break;
+    case ArgumentType::message:
+        addMessages(candidates);
+        break;
     case ArgumentType::command:
-        addFirstWords(candidates);
+        if (wordsBefore == 0) {
+            addFirstWords(candidates);
+        }
         break;
     default:
         break;
     }
 }
 
-/// Whether the words before the one under way begin a call of this command.
-bool fits(Command const& command, std::span<Word const> before) {
-    return before.size() >= command.wordCount() && before[0].text == command.word &&
-           (command.second.empty() || before[1].text == command.second);
+void addSecondWords(Candidates& candidates, Word const& first) {
+    for (Command const& command : commandsOf(first.text)) {
+        if (!command.second.empty()) {
+            candidates.emplace(command.second);
+        }
+    }
 }
 
-Candidates candidatesFor(std::span<Word const> before, Agent const& agent, bool& files) {
+/// Whether the words before the one under way begin a call of this command.
+bool fits(Command const& command, std::span<Word const> before) {
+    std::string_view const second = before.size() > 1 ? before[1].text : "";
+    return commandOf(commandsOf(before[0].text), second) == &command;
+}
+
+/// What can stand behind the words `before`; `type` becomes that of the argument that it is.
+Candidates candidatesFor(std::span<Word const> before, std::string_view partial, Agent const& agent,
+                         ArgumentType& type) {
     Candidates candidates;
     if (before.empty()) {
         addFirstWords(candidates);
         return candidates;
     }
+    if (before.size() == 1) {
+        addSecondWords(candidates, before[0]);
+    }
     for (Command const& command : commandsOf(before[0].text)) {
-        if (before.size() == 1 && !command.second.empty()) {
-            candidates.emplace(command.second);
-        } else if (fits(command, before)) {
+        if (fits(command, before)) {
             std::size_t const position = before.size() - command.wordCount();
-            files = argumentAt(command, position).argument.type == ArgumentType::file;
-            addArgument(candidates, command, position, agent);
+            type = argumentAt(command, position).argument.type;
+            addArgument(candidates, command, position, partial, agent);
+            if (type == ArgumentType::option) {
+                addRingOptions(candidates, before.back(), type);
+            }
+            if (type == ArgumentType::command && position == 1) {
+                addSecondWords(candidates, before.back());
+            }
         }
     }
     return candidates;
 }
 
+/// Whether more than a blank is to follow a word.
+bool goesOn(std::string const& word, ArgumentType type, Agent const& agent) {
+    Words words;
+    try {
+        words.read(word);
+    } catch (Refusal const&) {
+        return false; // a key that cannot be typed
+    }
+    std::string_view const text = words.all()[0].text;
+    bool const path = type == ArgumentType::called || type == ArgumentType::inspected;
+    return path ? pathGoesOn(text, agent) : text.ends_with('=');
+}
+
+/// `candidate` in quotes when the word was begun so.
+std::string asTyped(std::string_view partial, std::string const& candidate) {
+    bool const quote = partial.starts_with('"') && !candidate.starts_with('"');
+    return quote ? asQuotedWord(candidate) : candidate;
+}
+
 } // namespace
 
 Completion complete(std::string_view typed, Agent const& agent) {
-    std::size_t const start = typed.find_last_of(" \t") + 1; // npos + 1 is 0
+    std::size_t const start = lastWordAt(typed);
     std::string_view const partial = typed.substr(start);
     Words words;
     try {
         words.read(typed.substr(0, start));
     } catch (Refusal const&) {
-        return {}; // inside a quoted word, or a line that is wrong already
+        return {}; // a line that is wrong already
     }
     Completion completion;
-    for (std::string const& candidate : candidatesFor(words.all(), agent, completion.files)) {
-        if (candidate.starts_with(partial)) {
-            completion.words.push_back(candidate);
+    ArgumentType type = ArgumentType::none;
+    for (std::string const& candidate : candidatesFor(words.all(), partial, agent, type)) {
+        std::string word = asTyped(partial, candidate);
+        if (word.starts_with(partial)) {
+            completion.words.push_back(std::move(word));
+        }
+    }
+    completion.files = type == ArgumentType::file;
+    if (completion.words.size() == 1 && goesOn(completion.words[0], type, agent)) {
+        completion.goesOn = true;
+        if (completion.words[0].ends_with('"') && completion.words[0] != partial) {
+            completion.words[0].pop_back();
         }
     }
     return completion;

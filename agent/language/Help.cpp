@@ -1,6 +1,8 @@
 #include "language/Help.h"
 
+#include "inspect/Roots.h"
 #include "language/CommandTable.h"
+#include "language/RingOptions.h"
 #include "language/StartSettings.h"
 #include "view/Show.h"
 
@@ -17,7 +19,12 @@ constexpr std::string_view forms =
     "  edge INTERFACE:VLAN       a port and a VLAN on it, as in edge Ethernet1/1:100\n"
     "  vlan VLAN                 a VLAN, 1 to 4094\n"
     "  efilter INTERFACE         an interface without egress filtering, as in efilter Ethernet7\n"
-    "A word with blanks stands in double quotes, with \\\" and \\\\ inside. # starts a comment.";
+    "FAP is a forwarding chip, 0 to 255. INTF is an interface, as in Ethernet1/1.\n"
+    "PATH is a root and steps, as in configs/vpIndexConfig/bgp; %2F stands for a slash in a step,\n"
+    "and %25 for a percent sign. 'inspect' lists the roots.\n"
+    "A word with blanks or a # stands in double quotes, with \\\" and \\\\ inside. Outside of them "
+    "#\n"
+    "starts a comment, also within a word.";
 
 /// The list's left column is as wide as most usages; longer ones have the line to themselves.
 std::string entry(Command const& command) {
@@ -44,27 +51,53 @@ std::string choices(Command const& command) {
             text += "    " + std::string(setting.name) + ": " + std::string(setting.meaning) + '\n';
         }
     }
+    if (command.arguments[0].type == ArgumentType::option) {
+        for (RingOption const& option : ringOptionList()) {
+            text += "    " + std::string(option.name) + (option.value.empty() ? "" : " ") +
+                    std::string(option.value) + ": " + std::string(option.meaning) + '\n';
+        }
+    }
     if (command.arguments[0].type == ArgumentType::view) {
         for (std::string const& name : viewNames()) {
             text += (text.empty() ? "    WHAT: " : ", ") + name;
         }
         text += '\n';
     }
+    if (command.arguments[0].type == ArgumentType::inspected ||
+        command.arguments[0].type == ArgumentType::called) {
+        text += "    PATH: a root and steps, as in configs/vpIndexConfig/bgp; the roots are\n";
+        for (Root const& root : roots()) {
+            text += "      " + std::string(root.name) + ": " + std::string(root.what) + '\n';
+        }
+    }
     return text;
+}
+
+/// The commands that one or two words name. Throws `Refusal` when there are none.
+std::span<Command const> commandsNamed(std::span<Word const> words) {
+    auto const commands = commandsOf(words[0].text);
+    if (commands.empty()) {
+        throw unknownCommand(words[0]);
+    }
+    if (words.size() == 1) {
+        return commands;
+    }
+    for (Command const& command : commands) {
+        if (!command.second.empty() && command.second == words[1].text) {
+            return {&command, 1};
+        }
+    }
+    throw unknownCommand(words[0], words[1]);
 }
 
 } // namespace
 
-std::string helpText(Word const* word) {
-    if (word == nullptr) {
+std::string helpText(std::span<Word const> words) {
+    if (words.empty()) {
         return allCommands();
     }
-    auto const commands = commandsOf(word->text);
-    if (commands.empty()) {
-        throw unknownCommand(*word);
-    }
     std::string text;
-    for (Command const& command : commands) {
+    for (Command const& command : commandsNamed(words)) {
         text += command.usage() + "\n    " + std::string(command.does) + '\n' + choices(command);
     }
     text.pop_back();

@@ -26,9 +26,9 @@ std::optional<Pelo::ParseError> nameFault(std::string_view text) {
     return std::nullopt;
 }
 
-void checkName(Word const& word) {
+void checkName(Word const& word, std::string_view role) {
     if (auto const fault = nameFault(word.text)) {
-        throw badWord("client name", word, *fault);
+        throw badWord(role, word, *fault);
     }
 }
 

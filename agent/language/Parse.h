@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace VpAgent {
 
@@ -21,8 +22,17 @@ inline constexpr std::size_t longestName = 255;
 /// no control character.
 std::optional<Pelo::ParseError> nameFault(std::string_view text);
 
-/// Throws `Refusal` unless the word is a client name.
-void checkName(Word const& word);
+/// Throws `Refusal` unless the word has the form of a client name; `role` says what it is.
+void checkName(Word const& word, std::string_view role = "client name");
+
+/// The word as a value, read by `parse(std::string_view) -> Pelo::Parsed<Value>`.
+template <class Parse> auto parseWord(std::string_view role, Word const& word, Parse parse) {
+    auto value = parse(word.text);
+    if (!value) {
+        throw badWord(role, word, value.error());
+    }
+    return *std::move(value);
+}
 
 /// A VP index, 0 to 65535.
 U16 parseIndex(Word const& word);

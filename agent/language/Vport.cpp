@@ -4,6 +4,7 @@
 #include "text/Utf8.h"
 
 #include <optional>
+#include <type_traits>
 
 namespace VpAgent {
 
@@ -12,9 +13,11 @@ namespace {
 constexpr U16 lowestVlan = 1;
 constexpr U16 highestVlan = 4094;
 
+constexpr char const* vlanRange = "a VLAN from 1 to 4094";
+
 std::optional<Pelo::ParseError> vlanFault(Bridging::VlanId vlan, std::size_t at) {
     if (vlan.value() < lowestVlan || vlan.value() > highestVlan) {
-        return Pelo::ParseError{at, "a VLAN from 1 to 4094"};
+        return Pelo::ParseError{at, vlanRange};
     }
     return std::nullopt;
 }
@@ -36,6 +39,17 @@ std::optional<Pelo::ParseError> rangeFault(Netzo::IntfId const&, std::string_vie
     return std::nullopt;
 }
 
+/// Where in a key's text its VLAN stands; nothing when there is none.
+template <class Key> std::optional<std::size_t> vlanAt(std::string_view text) {
+    if constexpr (std::is_same_v<Key, Bridging::VlanId>) {
+        return 0;
+    } else if constexpr (std::is_same_v<Key, VornicCentral::PortVlanKey>) {
+        std::size_t const colon = text.rfind(':');
+        return colon == std::string_view::npos ? std::nullopt : std::optional(colon + 1);
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 template <class Kind> Pelo::Parsed<typename Kind::Key> parseKey(std::string_view text) {
@@ -44,6 +58,11 @@ template <class Kind> Pelo::Parsed<typename Kind::Key> parseKey(std::string_view
         if (auto const fault = rangeFault(*key, text)) {
             return *fault;
         }
+        return key;
+    }
+    auto const vlan = vlanAt<typename Kind::Key>(text);
+    if (vlan && key.error().at >= *vlan) {
+        return Pelo::ParseError{key.error().at, vlanRange};
     }
     return key;
 }
@@ -87,7 +106,7 @@ std::string kindWords() {
     std::string words;
     VornicCentral::forEachKind([&](auto kind) {
         using Kind = decltype(kind);
-        bool const last = Kind::order + 1 == VornicCentral::kindCount;
+        bool const last = VornicCentral::kindOrder<Kind> + 1 == VornicCentral::kindCount;
         words += words.empty() ? "" : last ? " or " : ", ";
         words += Kind::word;
     });

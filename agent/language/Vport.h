@@ -13,12 +13,11 @@ namespace VpAgent {
 
 /// A virtual port as commands name it: one of the five kinds, and a key of that kind. A value.
 ///
-///     vport.visit([&](auto kind, auto const& key) { config.template is<decltype(kind)>(key, true);
-///     });
+///     vport.visit([&](auto kind, auto const& key) { config.is<decltype(kind)>(key, true); });
 class Vport {
 public:
     template <class Kind> static Vport of(Kind, typename Kind::Key key) {
-        return Vport(Kind::order, std::move(key));
+        return Vport(VornicCentral::kindOrder<Kind>, std::move(key));
     }
 
     /// Reads a kind word and a key text, as in `edge Ethernet1/1:100`. Throws `Refusal` with the
@@ -29,7 +28,7 @@ public:
     template <class Visit> void visit(Visit&& visit) const {
         VornicCentral::forEachKind([&](auto kind) {
             using Kind = decltype(kind);
-            if (Kind::order == order_) {
+            if (VornicCentral::kindOrder<Kind> == order_) {
                 visit(kind, std::get<typename Kind::Key>(key_));
             }
         });

@@ -116,10 +116,27 @@ void Words::refuseCharacter(std::size_t at) const {
     throw Refusal(what + " (" + hexByte(byte) + "), expected printable text", {at, 1});
 }
 
-std::string asWord(std::string_view text) {
-    if (!text.empty() && text.find_first_of(" \t\"#") == std::string_view::npos) {
-        return std::string(text);
+std::size_t lastWordAt(std::string_view line) noexcept {
+    std::size_t start = 0;
+    bool quoted = false;
+    for (std::size_t at = 0; at < line.size(); ++at) {
+        if (quoted && line[at] == '\\') {
+            ++at;
+        } else if (line[at] == '"' && (quoted || at == start)) {
+            quoted = !quoted;
+        } else if (!quoted && isBlank(line[at])) {
+            start = at + 1;
+        }
     }
+    return start;
+}
+
+std::string asWord(std::string_view text) {
+    bool const bare = !text.empty() && text.find_first_of(" \t\"#") == std::string_view::npos;
+    return bare ? std::string(text) : asQuotedWord(text);
+}
+
+std::string asQuotedWord(std::string_view text) {
     std::string word = "\"";
     for (char const c : text) {
         if (c == '"' || c == '\\') {

@@ -54,7 +54,13 @@ private:
     std::string unescaped_; ///< the texts of words with escapes; never grows while a line is read
 };
 
+/// Where the last word of `line` begins, whether or not it is complete: at its end behind a blank.
+std::size_t lastWordAt(std::string_view line) noexcept;
+
 /// `text` as a word of a command line: in quotes when it has to be.
 std::string asWord(std::string_view text);
+
+/// `text` as a word in quotes.
+std::string asQuotedWord(std::string_view text);
 
 } // namespace VpAgent

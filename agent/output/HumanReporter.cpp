@@ -1,7 +1,9 @@
 #include "output/HumanReporter.h"
 
 #include "output/Dump.h"
+#include "state/Agent.h"
 #include "text/Utf8.h"
+#include "view/MulticastView.h"
 #include "view/VerifyAdvice.h"
 
 #include <algorithm>
@@ -43,7 +45,7 @@ void write(std::string& out, ImportReply const& reply, Agent const&) {
     std::string counts;
     VornicCentral::forEachKind([&](auto kind) {
         using Kind = decltype(kind);
-        std::size_t const count = reply.requests[Kind::order];
+        std::size_t const count = reply.requests[VornicCentral::kindOrder<Kind>];
         if (count != 0) {
             counts += (counts.empty() ? "" : ", ") + std::to_string(count) + ' ' + Kind::word;
         }
@@ -54,10 +56,22 @@ void write(std::string& out, ImportReply const& reply, Agent const&) {
 
 void write(std::string& out, TextReply const& reply, Agent const&) { out += reply.text + '\n'; }
 
+void write(std::string& out, InspectReply const& reply, Agent const&) {
+    out += inspectedText(reply.inspected) + '\n';
+}
+
+void write(std::string& out, RingReply const& reply, Agent const&) {
+    out += ringText(reply.report) + '\n';
+}
+
 void write(std::string& out, DumpReply, Agent const& agent) {
     JsonWriter json(out);
     writeState(json, agent);
     out += '\n';
+}
+
+void write(std::string& out, McastReply, Agent const& agent) {
+    out += viewMulticast(agent.multicast);
 }
 
 } // namespace
@@ -70,6 +84,11 @@ void HumanReporter::trace(U32 level, std::string_view text) {
 void HumanReporter::log(std::string_view id, U32 severity, std::string_view text) {
     output_.err() +=
         printable(id) + " (severity " + std::to_string(severity) + "): " + printable(text) + '\n';
+    output_.lineDone();
+}
+
+void HumanReporter::multicast(McastEvent const& event) {
+    output_.out() += eventText(event) + '\n';
     output_.lineDone();
 }
 

@@ -5,14 +5,15 @@
 
 namespace VpAgent {
 
-/// Writes for people: results on standard output; traces, log messages and errors on standard
-/// error. A command that has nothing to say says nothing.
+/// Writes for people: results and the events of the multicast entities on standard output; traces,
+/// log messages and errors on standard error. A command that has nothing to say says nothing.
 class HumanReporter final : public Reporter {
 public:
     explicit HumanReporter(Output& output) : output_(output) {}
 
     void trace(U32 level, std::string_view text) override;
     void log(std::string_view id, U32 severity, std::string_view text) override;
+    void multicast(McastEvent const& event) override;
     void done(CommandLine const& line, std::string_view command, Reply const& reply,
               Agent const& agent) override;
     void refused(CommandLine const& line, Refusal const& refusal) override;

@@ -2,6 +2,8 @@
 
 #include "output/Dump.h"
 #include "output/JsonWriter.h"
+#include "output/McastJson.h"
+#include "state/Agent.h"
 #include "text/Utf8.h"
 
 #include <type_traits>
@@ -35,7 +37,7 @@ void write(JsonWriter& json, ImportReply const& reply, Agent const&) {
     json.member("client", reply.client.view()).key("requests").openObject();
     VornicCentral::forEachKind([&](auto kind) {
         using Kind = decltype(kind);
-        json.member(Kind::collection, U64{reply.requests[Kind::order]});
+        json.member(Kind::collection, U64{reply.requests[VornicCentral::kindOrder<Kind>]});
     });
     json.closeObject();
 }
@@ -44,9 +46,23 @@ void write(JsonWriter& json, TextReply const& reply, Agent const&) {
     json.member("text", reply.text);
 }
 
+void write(JsonWriter& json, InspectReply const& reply, Agent const&) {
+    json.key("object");
+    writeInspected(json, reply.inspected);
+}
+
+void write(JsonWriter& json, RingReply const& reply, Agent const&) {
+    writeRing(json, reply.report);
+}
+
 void write(JsonWriter& json, DumpReply, Agent const& agent) {
     json.key("state");
     writeState(json, agent);
+}
+
+void write(JsonWriter& json, McastReply, Agent const& agent) {
+    json.key("multicast");
+    writeMulticast(json, agent.multicast);
 }
 
 } // namespace
@@ -67,6 +83,12 @@ void JsonReporter::log(std::string_view id, U32 severity, std::string_view text)
         .member("severity", severity)
         .member("text", text)
         .closeObject();
+    endLine();
+}
+
+void JsonReporter::multicast(McastEvent const& event) {
+    JsonWriter json(output_.out());
+    writeEvent(json, event);
     endLine();
 }
 

@@ -12,6 +12,7 @@ public:
 
     void trace(U32 level, std::string_view text) override;
     void log(std::string_view id, U32 severity, std::string_view text) override;
+    void multicast(McastEvent const& event) override;
     void done(CommandLine const& line, std::string_view command, Reply const& reply,
               Agent const& agent) override;
     void refused(CommandLine const& line, Refusal const& refusal) override;

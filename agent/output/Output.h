@@ -11,7 +11,9 @@ namespace VpAgent {
 /// streams in the order of events, and programs pay one system call per 64 KiB. Whoever may block,
 /// fork or end the process flushes first.
 ///
-/// A failed write (a full disk, a closed file) is remembered and reported by `failed()`.
+/// A failed write (a full disk, a closed file) is remembered and reported by `failed()`. That
+/// stream is given nothing more, so that what it holds is whole up to one place, and nothing
+/// behind.
 class Output {
 public:
     Output() = default;
@@ -33,7 +35,7 @@ public:
 
     void flush() noexcept;
 
-    bool failed() const noexcept { return failed_; }
+    bool failed() const noexcept { return outFailed_ || errFailed_; }
 
 private:
     static constexpr int standardOutput = 1;
@@ -50,7 +52,8 @@ private:
 
     std::string buffer_;
     int stream_ = standardOutput;
-    bool failed_ = false;
+    bool outFailed_ = false;
+    bool errFailed_ = false;
 };
 
 } // namespace VpAgent

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "output/McastEvent.h"
 #include "output/Reply.h"
 #include "pelo/Integers.h"
 #include "text/Refusal.h"
@@ -26,6 +27,8 @@ public:
 
     virtual void trace(U32 level, std::string_view text) = 0;
     virtual void log(std::string_view id, U32 severity, std::string_view text) = 0;
+
+    virtual void multicast(McastEvent const& event) = 0;
 
     /// A command was carried out. `command` is its first word.
     virtual void done(CommandLine const& line, std::string_view command, Reply const& reply,

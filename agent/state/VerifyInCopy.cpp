@@ -7,6 +7,7 @@
 #include "text/Utf8.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -32,6 +33,15 @@ void reportTo(int pipe) {
         writeFrame(pipe, {Frame::Kind::assertion, 0, failure.text, failure.function});
         ::_exit(0);
     });
+}
+
+/// Lets the copy end with its original, however that ends: it holds the original's streams, whose
+/// readers wait for their end.
+void endWith(pid_t original) noexcept {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != original) { // it ended before
+        ::_exit(0);
+    }
 }
 
 /// What the copy does. It leaves by `_exit`, so that nothing of the original's is flushed or
@@ -92,8 +102,10 @@ VerifyReply verifyInCopy(Agent& agent) {
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
         refuseSystemCall("pipe");
     }
+    pid_t const original = ::getpid();
     pid_t const copy = ::fork();
     if (copy == 0) {
+        endWith(original);
         ::close(ends[0]);
         verifyAndExit(agent.machine.stateMachine(), ends[1]);
     }

@@ -31,6 +31,9 @@ inline constexpr U32 applicationId = 0x56507374;
 /// The version of the format, in the header as well.
 inline constexpr U32 formatVersion = 1;
 
+/// Is added to the version in FILE while FILE is incomplete without its log; see `WriteAheadLog`.
+inline constexpr U32 logNeeded = 0x10000;
+
 /// One table: its columns but `position` and `seal`, in the order in which they are written, read
 /// and sealed.
 struct Table {

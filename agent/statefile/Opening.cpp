@@ -4,6 +4,7 @@
 #include "statefile/Rows.h"
 #include "statefile/WalFile.h"
 #include "text/Refusal.h"
+#include "text/Utf8.h"
 
 #include <fcntl.h>
 #include <sqlite3.h>
@@ -12,10 +13,14 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <random>
 #include <string_view>
 #include <system_error>
+#include <thread>
 
 namespace VpAgent {
 
@@ -43,11 +48,39 @@ bool isAllowed(fs::path const& path, int rights) {
     return ::faccessat(AT_FDCWD, path.c_str(), rights, AT_EACCESS) == 0;
 }
 
+/// Whether a file begins as a rollback journal does: with its mark, or with zeros while the mark
+/// is not written yet. An empty one is none any more.
+bool isJournal(fs::path const& path) {
+    constexpr std::string_view mark("\xD9\xD5\x05\xF9\x20\xA1\x63\xD7", 8);
+    constexpr std::string_view zeros("\0\0\0\0\0\0\0\0", 8);
+    std::array<char, 8> front{};
+    std::ifstream file(path, std::ios::binary);
+    file.read(front.data(), front.size());
+    std::string_view const found(front.data(), static_cast<std::size_t>(file.gcount()));
+    return mark.starts_with(found) || zeros.starts_with(found);
+}
+
+/// SQLite takes any file of the journal's name for the journal of the database, plays it back and
+/// removes it. The journal of a file in the making is there after the file.
+void checkJournal(fs::path const& path) {
+    fs::path const journal(path.string() + "-journal");
+    if (fs::exists(journal) && (!fs::exists(path) || !isJournal(journal))) {
+        throw Refusal(inQuotes(journal.filename().string()) +
+                      " beside it does not belong to it and would be lost, expected no such file");
+    }
+}
+
 /// The absolute path, without symbolic links, of a file that may be written, or made.
 fs::path checkedPath(fs::path const& path) {
     std::error_code error;
     fs::file_status const status = fs::status(path, error);
-    if (path.empty() || (fs::exists(status) && !fs::is_regular_file(status))) {
+    if (fs::is_directory(status)) {
+        throw Refusal("it is a folder, expected a file, or none yet");
+    }
+    if (!path.has_filename()) {
+        throw Refusal("a name is missing at its end, expected the name of a file");
+    }
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
         throw Refusal("it is not a regular file, expected one, or none yet");
     }
     fs::path const resolved = fs::absolute(fs::weakly_canonical(path));
@@ -55,10 +88,11 @@ fs::path checkedPath(fs::path const& path) {
         throw Refusal(std::string("it may not be read and written (") + std::strerror(errno) +
                       "), expected a file that may");
     }
-    if (!isAllowed(resolved.parent_path(), W_OK | X_OK)) {
+    if (!isAllowed(resolved.parent_path() / "", W_OK | X_OK)) {
         throw Refusal(std::string("no file can be made in its folder (") + std::strerror(errno) +
                       "), expected a folder that may be written");
     }
+    checkJournal(resolved);
     return resolved;
 }
 
@@ -103,14 +137,9 @@ bool checkHeader(Connection& connection) {
     if (!std::equal(headerText.begin(), headerText.end(), header.begin())) {
         throw Refusal(std::string("it is not an SQLite database, ") + ownFile);
     }
-    checkNumbers(numberAt(header, applicationAt), numberAt(header, versionAt));
+    checkNumbers(numberAt(header, applicationAt), numberAt(header, versionAt) & ~logNeeded);
     constexpr unsigned char writeAheadLog = 2;
     return header[journalModeAt] != writeAheadLog;
-}
-
-void leaveLogAlone(Connection& connection, bool alone) {
-    sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, alone ? 1 : 0,
-                      nullptr);
 }
 
 /// The tables that a file of this version has.
@@ -125,7 +154,7 @@ std::string const& expectedTables() {
 
 } // namespace
 
-OpenFile::LogGuard::LogGuard(fs::path const& log) : log_(log), active_(!fs::exists(log)) {}
+OpenFile::LogGuard::LogGuard(fs::path const& log) : log_(log), wasThere_(fs::exists(log)) {}
 
 OpenFile::LogGuard::~LogGuard() {
     std::error_code ignored;
@@ -139,7 +168,7 @@ OpenFile::OpenFile(fs::path const& path)
       log_(path_.string() + "-wal"),
       connection_(path_.string()),
       guard_(log_) {
-    leaveLogAlone(connection_, true);
+    connection_.keepLogAtClose(true);
     if (checkHeader(connection_)) {
         makeIfEmpty();
     }
@@ -169,20 +198,22 @@ void OpenFile::lock() {
     try {
         connection_.number("SELECT count(*) FROM sqlite_schema");
     } catch (SqliteError const& error) {
-        if (error.busy()) {
-            guard_.release(); // the log is that of the program that uses the file
+        if (error.damage()) {
+            guard_.activate(); // it is met under the lock
         }
         throw;
     }
+    guard_.activate();
     // Nothing is written but the file and its log, and to the log only at a commit.
     connection_.run("PRAGMA temp_store = MEMORY; PRAGMA cache_spill = OFF;"
                     "PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON");
 }
 
 void OpenFile::checkContent() {
-    checkWal(log_.string());
+    auto const version = static_cast<U32>(connection_.number("PRAGMA user_version"));
+    checkWal(log_.string(), (version & logNeeded) != 0);
     checkNumbers(static_cast<U32>(connection_.number("PRAGMA application_id")),
-                 static_cast<U32>(connection_.number("PRAGMA user_version")));
+                 version & ~logNeeded);
     if (tablesOf(connection_) != expectedTables()) {
         throw Damage("its tables are not those of a state file");
     }
@@ -193,17 +224,27 @@ void OpenFile::checkContent() {
 }
 
 void OpenFile::accept() {
-    leaveLogAlone(connection_, false);
     guard_.release();
     if (connection_.text("PRAGMA journal_mode = WAL") != "wal") {
         throw Refusal("it cannot have a write-ahead log, expected a file on a local disk");
     }
-    connection_.run("PRAGMA synchronous = FULL; PRAGMA journal_size_limit = 4194304;"
-                    // A new mode leaves a read under way, which the next transaction ends.
-                    "BEGIN IMMEDIATE; COMMIT;"
-                    // Each run begins a log of its own, so that `checkWal` never meets the remains
-                    // of more than one transaction that was cut off.
-                    "PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
+OpenFile openAlone(fs::path const& path) {
+    constexpr int retries = 8;
+    std::random_device seed;
+    std::minstd_rand random(seed());
+    std::uniform_int_distribution<int> milliseconds(10, 60);
+    for (int left = retries;; --left) {
+        try {
+            return OpenFile(path);
+        } catch (SqliteError const& error) {
+            if (!error.busy() || left == 0) {
+                throw;
+            }
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds(random)));
+    }
 }
 
 } // namespace VpAgent

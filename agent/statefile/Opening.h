@@ -11,7 +11,8 @@ namespace VpAgent {
 ///
 /// Until `accept` the file stays byte for byte as it is, and nothing is left beside it; but a file
 /// that is not there or empty is made new. The constructor throws `Refusal`, `SqliteError` or
-/// `Damage`, none of which names the file.
+/// `Damage`, none of which names the file. While two programs open a file at once, either may be
+/// told that it is busy though neither gets it; `openAlone` tries again.
 ///
 /// The lock is SQLite's own, in its exclusive locking mode: taken with the first read, held until
 /// the connection is closed, and gone with the process however that ends, even while a forked copy
@@ -22,22 +23,26 @@ public:
 
     Connection& connection() noexcept { return connection_; }
 
-    /// The rows are good as well: from now on the file may be written.
+    /// The rows are good as well: from now on the file may be written. Gives it a write-ahead log,
+    /// which `WriteAheadLog` has to begin.
     void accept();
 
 private:
-    /// Removes the empty log that reading makes, unless it was there before.
+    /// Removes the empty log that reading makes under our lock, unless it was there before.
     class LogGuard {
     public:
         explicit LogGuard(std::filesystem::path const& log);
         ~LogGuard();
         LogGuard(LogGuard const&) = delete;
         LogGuard& operator=(LogGuard const&) = delete;
+        /// The lock is ours, and so is a log that was not there before.
+        void activate() noexcept { active_ = !wasThere_; }
         void release() noexcept { active_ = false; }
 
     private:
         std::filesystem::path const& log_;
-        bool active_;
+        bool wasThere_;
+        bool active_ = false;
     };
 
     void makeIfEmpty();
@@ -49,5 +54,8 @@ private:
     Connection connection_;
     LogGuard guard_;
 };
+
+/// Opens a file; while another program uses it, tries again a few times in half a second.
+OpenFile openAlone(std::filesystem::path const& path);
 
 } // namespace VpAgent

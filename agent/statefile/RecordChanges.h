@@ -74,7 +74,7 @@ private:
     }
 
     template <class Kind> void file(typename Kind::Key const& key, bool deleted) {
-        Keys<Kind>& keys = std::get<Kind::order>(keys_);
+        Keys<Kind>& keys = std::get<VornicCentral::kindOrder<Kind>>(keys_);
         if (deleted) {
             keys.newMember(key, true);
         } else if (!keys.has(key)) {
@@ -92,7 +92,7 @@ private:
     template <class Kind> void write(Writer& writer, U64 client) const {
         auto const& members = record_->template collection<Kind>();
         std::vector<typename Record::template Collection<Kind>::Member const*> present;
-        Keys<Kind> const& keys = std::get<Kind::order>(keys_);
+        Keys<Kind> const& keys = std::get<VornicCentral::kindOrder<Kind>>(keys_);
         for (typename Keys<Kind>::Iterator it(keys); it; it.advance()) {
             auto const* const member = members.lookupNode(it.key());
             if (member == nullptr || it.value()) {

@@ -50,6 +50,10 @@ Connection::Connection(std::string const& path) {
 
 Connection::~Connection() { sqlite3_close(handle_); }
 
+void Connection::keepLogAtClose(bool keep) {
+    sqlite3_db_config(handle_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, keep ? 1 : 0, nullptr);
+}
+
 void Connection::run(char const* sql) {
     int const code = sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr);
     if (code != SQLITE_OK) {

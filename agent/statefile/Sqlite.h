@@ -40,6 +40,9 @@ public:
 
     sqlite3* handle() const noexcept { return handle_; }
 
+    /// Whether closing leaves the write-ahead log as it is, or brings it into the file.
+    void keepLogAtClose(bool keep);
+
     /// Runs statements that need no result.
     void run(char const* sql);
 

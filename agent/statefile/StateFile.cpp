@@ -37,13 +37,15 @@ std::unique_ptr<StateFile> StateFile::open(std::filesystem::path const& path, Da
 
 StateFile::StateFile(std::filesystem::path const& path, Database& database)
     : name_(path.string()),
-      file_(path),
+      file_(openAlone(path)),
+      log_(file_.connection()),
       loaded_(load(file_.connection(), database)),
       tracker_(database, loaded_),
       writer_(file_.connection(), loaded_.firstFreePosition),
       begin_(file_.connection(), "BEGIN IMMEDIATE"),
       end_(file_.connection(), "COMMIT") {
     file_.accept();
+    log_.begin();
 }
 
 bool StateFile::commit() {
@@ -51,6 +53,7 @@ bool StateFile::commit() {
         return false;
     }
     try {
+        log_.keepShort();
         begin_.run();
         tracker_.writeTo(writer_);
         end_.run();

@@ -2,6 +2,7 @@
 
 #include "statefile/ChangeTracker.h"
 #include "statefile/Opening.h"
+#include "statefile/WriteAheadLog.h"
 
 #include <filesystem>
 #include <memory>
@@ -53,6 +54,7 @@ private:
 
     std::string name_;
     OpenFile file_;
+    WriteAheadLog log_;
     Loaded loaded_;
     ChangeTracker tracker_;
     Writer writer_;

@@ -74,12 +74,17 @@ struct Header {
     }
 };
 
-/// The transactions that end behind the first bad frame.
-U32 transactionsBehindBadFrame(std::istream& file, Header header) {
+struct Frames {
+    bool any = false;
+    U32 transactionsBehindBad = 0; ///< that end behind the first bad frame
+};
+
+Frames readFrames(std::istream& file, Header header) {
     std::string frame(frameHeaderSize + header.pageSize, '\0');
     bool good = true;
-    U32 count = 0;
+    Frames frames;
     while (file.read(frame.data(), static_cast<std::streamsize>(frame.size()))) {
+        frames.any = true;
         Bytes const bytes = frame;
         bool const ofThisLog = bytes.substr(8, 8) == header.salts;
         bool const endsTransaction = bigEndian(bytes, 4) != 0;
@@ -88,29 +93,39 @@ U32 transactionsBehindBadFrame(std::istream& file, Header header) {
             header.checksum.add(bytes.substr(frameHeaderSize));
             good = ofThisLog && header.checksum.standsAt(bytes, 16);
         }
-        count += !good && ofThisLog && endsTransaction ? 1 : 0;
+        frames.transactionsBehindBad += !good && ofThisLog && endsTransaction ? 1 : 0;
     }
-    return count;
+    return frames;
+}
+
+/// A log without a whole frame: nothing had reached the disk when the program or the machine
+/// stopped, or it is not the log that was.
+void checkNotNeeded(bool needed) {
+    if (needed) {
+        throw Damage("the run before was cut off, and its log beside the file is missing or empty");
+    }
 }
 
 } // namespace
 
-void checkWal(std::string const& path) {
+void checkWal(std::string const& path, bool needed) {
     std::ifstream file(path, std::ios::binary);
     std::array<char, headerSize> bytes{};
-    if (!file.read(bytes.data(), headerSize)) {
-        return;
-    }
     auto const isZero = [](char c) { return c == '\0'; };
-    if (std::all_of(bytes.begin(), bytes.end(), isZero)) {
-        return; // nothing had reached the disk when the machine stopped
+    if (!file.read(bytes.data(), headerSize) || std::all_of(bytes.begin(), bytes.end(), isZero)) {
+        checkNotNeeded(needed);
+        return;
     }
     Header header{Bytes(bytes.data(), headerSize)};
     if (!header.valid()) {
         throw Damage("the header of its log does not check out");
     }
-    if (transactionsBehindBadFrame(file, header) > 1) {
+    Frames const frames = readFrames(file, header);
+    if (frames.transactionsBehindBad > 1) {
         throw Damage("a frame of its log does not check out");
+    }
+    if (!frames.any) {
+        checkNotNeeded(needed);
     }
 }
 

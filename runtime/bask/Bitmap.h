@@ -44,6 +44,9 @@ public:
     /// past the end is empty.
     U32 findClearBitInRange(U32 lo, U32 hi, Preference preference) const noexcept;
 
+    static Qor::TypeData const& typeTable();
+    Qor::TypeData const* typeData() const override;
+
 private:
     static constexpr U32 wordBits = 64;
     static constexpr U32 maxLevels = 6;

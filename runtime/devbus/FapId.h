@@ -24,6 +24,7 @@ public:
     constexpr U8 value() const noexcept { return value_; }
     constexpr U32 directIndex() const noexcept { return value_; }
 
+    /// For hash tables of others; the runtime's collections index by chip instead.
     U64 hash() const noexcept { return Pelo::hashMix(value_, rehash); }
     std::string stringValue() const { return std::to_string(value_); }
     static Pelo::Parsed<FapId> parse(std::string_view text);

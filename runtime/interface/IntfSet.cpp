@@ -42,15 +42,6 @@ IntfSet::const_iterator IntfSet::placeOf(Netzo::IntfId const& intf) const noexce
         [](Netzo::IntfId const& a, Netzo::IntfId const& b) { return a.name() < b.name(); });
 }
 
-std::string IntfSet::stringValue() const {
-    std::string text = "[";
-    for (Netzo::IntfId const& intf : members_) {
-        text += &intf == members_.data() ? "" : ", ";
-        text += intf.name();
-    }
-    return text + "]";
-}
-
 std::ostream& operator<<(std::ostream& out, IntfSet const& set) { return out << set.stringValue(); }
 
 } // namespace Interface

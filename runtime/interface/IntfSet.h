@@ -1,11 +1,13 @@
 #pragma once
 
 #include "netzo/IntfId.h"
+#include "pelo/Parsed.h"
 
 #include <cstddef>
 #include <initializer_list>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Interface {
@@ -33,8 +35,14 @@ public:
     const_iterator begin() const noexcept { return members_.begin(); }
     const_iterator end() const noexcept { return members_.end(); }
 
-    /// The names in brackets, as `[Ethernet1, Ethernet2]`.
+    /// The names in brackets, as `[Ethernet1, Ethernet2]`. A name that is empty, begins or ends
+    /// with a blank, or holds a comma, a closing bracket or a quote stands in double quotes, with
+    /// `\"` and `\\` inside.
     std::string stringValue() const;
+
+    /// Reads that form, with the names in any order and with or without blanks between them. Any
+    /// name may stand in quotes; control characters are refused.
+    static Pelo::Parsed<IntfSet> parse(std::string_view text);
 
     friend bool operator==(IntfSet const&, IntfSet const&) noexcept = default;
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "lumlog/DecodedArg.h"
 #include "pelo/Integers.h"
 
 #include <string>
+#include <vector>
 
 namespace Lumlog {
 
@@ -15,6 +17,7 @@ struct DecodedRecord {
     U32 line = 0;
     U32 msgId = 0;
     std::string text;
+    std::vector<DecodedArg> args{}; ///< what of the text varies from record to record
 
     friend bool operator==(DecodedRecord const&, DecodedRecord const&) = default;
 };

@@ -1,6 +1,5 @@
 #include "lumlog/Reader.h"
 
-#include "lumlog/ArgText.h"
 #include "lumlog/Args.h"
 #include "lumlog/ByteCursor.h"
 #include "lumlog/RingBuffer.h"
@@ -43,13 +42,14 @@ Bytes part(Bytes bytes, U64 from, U64 size) {
 } // namespace
 
 Reader::Reader(std::span<std::byte const> bytes) {
-    auto const magicBytes = std::as_bytes(std::span(magic));
-    for (auto at = bytes.begin(); !found_; ++at) {
-        at = std::search(at, bytes.end(), magicBytes.begin(), magicBytes.end());
-        if (at == bytes.end()) {
+    std::string_view const text(reinterpret_cast<char const*>(bytes.data()), bytes.size());
+    std::string_view const magicText(magic.data(), magic.size());
+    for (std::size_t from = 0; !found_; from = offset_ + 1) {
+        std::size_t const at = text.find(magicText, from);
+        if (at == std::string_view::npos) {
             return;
         }
-        offset_ = static_cast<std::size_t>(at - bytes.begin());
+        offset_ = at;
         header_ = valueAt<RingHeader>(bytes, offset_);
         found_ = makesSense(header_);
     }
@@ -77,11 +77,12 @@ std::size_t Reader::readDescriptor(std::span<std::byte const> bytes) {
     }
     ByteCursor cursor(bytes.first(size));
     auto const header = cursor.take<DescriptorHeader>();
-    Message message{header.level,
-                    header.line,
-                    std::string(cursor.takeText(header.unitLength)),
-                    std::string(cursor.takeText(header.formatLength)),
-                    {}};
+    DecodedMessage message;
+    message.msgId = header.msgId;
+    message.level = header.level;
+    message.line = header.line;
+    message.unit = cursor.takeText(header.unitLength);
+    message.format = cursor.takeText(header.formatLength);
     for (U16 word = 0; word < header.wordCount && cursor.ok(); ++word) {
         message.words.emplace_back(cursor.takeText(cursor.take<U16>()));
     }
@@ -175,14 +176,14 @@ std::optional<DecodedRecord> Reader::decode(U64 position) const {
     record.time = header.time;
     record.msgId = header.msgId;
     if (header.msgId >= messages_.size() || !messages_[header.msgId]) {
-        record.text = "(the description of this message is lost)";
+        record.text = DecodedMessage::lost;
         return record;
     }
-    Message const& message = *messages_[header.msgId];
+    DecodedMessage const& message = *messages_[header.msgId];
     record.level = message.level;
     record.line = message.line;
     record.unit = message.unit;
-    if (!appendText(record.text, message, part(records_, offset, header.units * unit))) {
+    if (!readPieces(record, message, part(records_, offset, header.units * unit))) {
         return {};
     }
     return record;
@@ -190,23 +191,36 @@ std::optional<DecodedRecord> Reader::decode(U64 position) const {
 
 /// Puts literals and arguments together. All of the record but the filling of its last 8 bytes must
 /// be used up.
-bool Reader::appendText(std::string& text, Message const& message,
-                        std::span<std::byte const> record) {
-    ByteCursor cursor(record);
+bool Reader::readPieces(DecodedRecord& record, DecodedMessage const& message,
+                        std::span<std::byte const> bytes) {
+    ByteCursor cursor(bytes);
     cursor.take<RecordHeader>();
     auto words = message.words.begin();
     for (char const code : message.format) {
         if (code != static_cast<char>(ArgCode::words)) {
-            if (!appendArgText(text, code, cursor)) {
+            auto arg = takeArg(code, cursor);
+            if (!arg) {
                 return false;
             }
+            record.text += argText(*arg);
+            record.args.push_back(*std::move(arg));
         } else if (words == message.words.end()) {
             return false;
         } else {
-            text += *words++;
+            record.text += *words++;
         }
     }
     return cursor.ok() && cursor.remaining() < unit;
+}
+
+std::vector<DecodedMessage> Reader::messages() const {
+    std::vector<DecodedMessage> known;
+    for (auto const& message : messages_) {
+        if (message) {
+            known.push_back(*message);
+        }
+    }
+    return known;
 }
 
 std::optional<DecodedRecord> Reader::next() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lumlog/DecodedMessage.h"
 #include "lumlog/DecodedRecord.h"
 #include "lumlog/RingFormat.h"
 #include "pelo/Integers.h"
@@ -32,6 +33,12 @@ public:
     bool found() const noexcept { return found_; }
     std::size_t offset() const noexcept { return offset_; }
 
+    /// Whether the ring holds anything that looks like a record.
+    bool hasRecords() const noexcept { return !positions_.empty(); }
+
+    /// The messages that the ring describes, in the order of their numbers.
+    std::vector<DecodedMessage> messages() const;
+
     /// The next record, or nothing behind the newest.
     std::optional<DecodedRecord> next();
 
@@ -43,15 +50,6 @@ public:
     std::size_t damaged() const noexcept { return damaged_; }
 
 private:
-    /// What a descriptor in the ring says.
-    struct Message {
-        U32 level = 0;
-        U32 line = 0;
-        std::string unit;
-        std::string format;
-        std::vector<std::string> words;
-    };
-
     /// Places in `positions_`, both included.
     struct Round {
         std::size_t oldest;
@@ -65,8 +63,8 @@ private:
     bool headIsLikely() const;
     Round likelyRound() const;
     std::optional<U64> positionAt(std::size_t offset) const;
-    static bool appendText(std::string& text, Message const& message,
-                           std::span<std::byte const> record);
+    static bool readPieces(DecodedRecord& record, DecodedMessage const& message,
+                           std::span<std::byte const> bytes);
     std::optional<DecodedRecord> decode(U64 position) const;
 
     std::span<std::byte const> block_;
@@ -74,9 +72,9 @@ private:
     RingFormat::RingHeader header_{};
     std::size_t offset_ = 0;
     bool found_ = false;
-    std::vector<std::optional<Message>> messages_; ///< by number
-    std::vector<U64> positions_;                   ///< of the records, the oldest first
-    std::size_t at_ = 0;                           ///< in `positions_`
+    std::vector<std::optional<DecodedMessage>> messages_; ///< by number
+    std::vector<U64> positions_;                          ///< of the records, the oldest first
+    std::size_t at_ = 0;                                  ///< in `positions_`
     std::size_t damaged_ = 0;
 };
 

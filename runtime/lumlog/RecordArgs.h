@@ -113,7 +113,7 @@ template <class... Args>
 void recordArgs(RingBuffer& ring, MsgDescriptor& site, Args const&... args) noexcept {
     auto const words = wordsOf(args...);
     MsgDescriptor const* message = &site;
-    if (!ring.knows(site) || !site.hasSameWords(words)) [[unlikely]] {
+    if (!ring.readyFor(site) || !site.hasSameWords(words)) [[unlikely]] {
         message = described(ring, site, FormatOf<std::tuple<Args...>>::text, words);
         if (message == nullptr) {
             return;

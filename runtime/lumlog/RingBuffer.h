@@ -55,11 +55,8 @@ public:
     using CurrentObserver = void (*)(RingBuffer* ring) noexcept;
     static void currentObserverIs(CurrentObserver observer) noexcept;
 
-    /// The current ring if there is one by now that takes this message, else null. Cost: a few
-    /// instructions.
-    static RingBuffer* currentFor(MsgDescriptor const& descriptor) noexcept {
-        return current_ != nullptr && current_->takes(descriptor) ? current_ : nullptr;
-    }
+    /// The current ring if there is one by now, else null; builds none. Cost: one read.
+    static RingBuffer* currentIfAny() noexcept { return current_; }
 
     /// Messages are disabled by number (that of a decoded record, or `MsgDescriptor::msgId`): their
     /// records are skipped. A message that nobody has disabled is enabled, also before its first
@@ -73,6 +70,11 @@ public:
     /// Whether the ring holds the description of this message.
     bool knows(MsgDescriptor const& descriptor) const noexcept {
         return (state(descriptor.msgIdOrNone()) & known) != 0;
+    }
+
+    /// Whether the ring both knows and takes this message, so that its record needs nothing else.
+    bool readyFor(MsgDescriptor const& descriptor) const noexcept {
+        return state(descriptor.msgIdOrNone()) == known;
     }
 
     /// Stores the description of a message that has its number. When the room for descriptions is

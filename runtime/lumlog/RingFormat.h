@@ -9,11 +9,13 @@
 
 /// The layout of a ring buffer's memory, which is one block and describes itself:
 ///
-///     RingHeader          what is where, and how far the writer has come
-///     descriptor area     DescriptorHeader and its texts, one after the other, each from a
-///     multiple of 8 bytes record area         RecordHeader and its payload, likewise; a power of
-///     two bytes overhang            room for the rest of a record that begins just before the end
-///     of the record area
+///     RingHeader        what is where, and how far the writer has come
+///     descriptor area   a DescriptorHeader and its texts, and so on
+///     record area       a RecordHeader and its payload, and so on
+///     overhang          room for the rest of the last record
+///
+/// Descriptors and records begin at multiples of 8 bytes. The size of the record area is a power of
+/// two; a record that begins just before its end goes on into the overhang.
 ///
 /// Positions count bytes from the first record on and never wrap; the place of position p in the
 /// record area is p modulo its size. A record bears its own position, so a reader tells a whole

@@ -2,6 +2,7 @@
 
 #include "pelo/CountedTable.h"
 #include "pelo/Hash.h"
+#include "pelo/Utf8.h"
 
 #include <algorithm>
 #include <ostream>
@@ -11,7 +12,19 @@ namespace {
 
 bool isLetter(char c) noexcept { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-bool isControl(char c) noexcept { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
+
+/// Where the first control character begins; the size of the text when it has none.
+std::size_t controlAt(std::string_view text) noexcept {
+    std::size_t at = 0;
+    while (at < text.size()) {
+        Pelo::Utf8Character const character = Pelo::utf8At(text, at);
+        if (character.length != 0 && Pelo::isControl(character.codePoint)) {
+            break;
+        }
+        at += character.length == 0 ? 1 : character.length;
+    }
+    return at;
+}
 
 } // namespace
 
@@ -63,10 +76,9 @@ Pelo::Parsed<IntfId> IntfId::parse(std::string_view text) {
     if (text.empty()) {
         return Pelo::ParseError{0, "an interface name"};
     }
-    auto const control = std::find_if(text.begin(), text.end(), isControl);
-    if (control != text.end()) {
-        return Pelo::ParseError{static_cast<std::size_t>(control - text.begin()),
-                                "an interface name without control characters"};
+    std::size_t const control = controlAt(text);
+    if (control != text.size()) {
+        return Pelo::ParseError{control, "an interface name without control characters"};
     }
     return IntfId(text);
 }

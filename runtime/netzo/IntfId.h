@@ -62,7 +62,8 @@ public:
 
     U64 hash() const noexcept { return entry_ == nullptr ? 0 : entry_->hash; }
 
-    /// Takes any text that is not empty and has no control character (bytes 0 to 31 and 127).
+    /// Takes any text that is not empty and has no control character (U+0000 to U+001F and U+007F
+    /// to U+009F).
     static Pelo::Parsed<IntfId> parse(std::string_view text);
 
     /// How many names the process holds at this moment.

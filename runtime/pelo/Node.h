@@ -25,8 +25,26 @@ enum class NodeFlag : U32 {
 ///
 /// Use counts follow the thread-control rule (see `ThreadControl`); everything else is for one
 /// thread at a time.
+///
+/// The order of the virtual functions is part of the binary interface, so they stand first:
+/// destructor, `lastUserGone`, `publisher`, `typeData`.
 class Node {
+protected:
+    Node() noexcept = default;
+    virtual ~Node();
+
+    /// Runs when the last use is given back; destroys the object.
+    virtual void lastUserGone() noexcept;
+
 public:
+    /// The node's own publisher; null for a node that publishes nothing, which is the default.
+    /// Whoever may read a node may subscribe to it, so a pointer to const is enough.
+    virtual Publisher* publisher() const noexcept;
+
+    /// The description of the node's attributes and operations; null for a type that offers none
+    /// (the default).
+    virtual Qor::TypeData const* typeData() const;
+
     Node(Node const&) = delete;
     Node& operator=(Node const&) = delete;
 
@@ -49,21 +67,6 @@ public:
     /// its subscriptions.
     void markAndSweepFlagSet(bool on) noexcept { nodeFlagSet(NodeFlag::zombie, on); }
     bool isZombie() const noexcept { return nodeFlag(NodeFlag::zombie); }
-
-    /// The node's own publisher; null for a node that publishes nothing, which is the default.
-    /// Whoever may read a node may subscribe to it, so a pointer to const is enough.
-    virtual Publisher* publisher() const noexcept;
-
-    /// The description of the node's attributes and operations; null for a type that offers none
-    /// (the default).
-    virtual Qor::TypeData const* typeData() const;
-
-protected:
-    Node() noexcept = default;
-    virtual ~Node();
-
-    /// Runs when the last use is given back; destroys the object.
-    virtual void lastUserGone() noexcept;
 
 private:
     mutable U32 useCount_ = 1;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pelo/Slab.h"
+
 #include <cstddef>
 #include <type_traits>
 #include <utility>
@@ -69,10 +71,14 @@ private:
     T* node_ = nullptr;
 };
 
-/// Builds a node and returns the pointer that owns its first use. A constructor that throws leaves
-/// nothing behind.
+/// Builds a node, in slab storage if its type is `SlabAllocated`, and returns the pointer that owns
+/// its first use. A constructor that throws leaves nothing behind.
 template <class T, class... Args> Ptr<T> newNode(Args&&... args) {
-    return Ptr<T>::adopt(new T(std::forward<Args>(args)...));
+    if constexpr (InSlab<T>) {
+        return Ptr<T>::adopt(new (NodeSize{sizeof(T)}) T(std::forward<Args>(args)...));
+    } else {
+        return Ptr<T>::adopt(new T(std::forward<Args>(args)...));
+    }
 }
 
 } // namespace Pelo

@@ -7,9 +7,6 @@ namespace Pelo {
 /// One publication under way, on the stack of its `notify`.
 struct Publisher::Walk {
     Walk* outer;
-    FieldId field;
-    void const* key;
-    KeyEquality equality;
     std::size_t next;  ///< position of the subscriber to call next
     std::size_t bound; ///< position past the last subscriber of this change
     bool publisherGone;
@@ -64,21 +61,8 @@ void Publisher::subscriberRemove(Subscriber* subscriber) noexcept {
     }
 }
 
-bool Publisher::isPublishing(FieldId field, void const* key) const {
-    for (Walk const* walk = walks_; walk != nullptr; walk = walk->outer) {
-        if (walk->field != field) {
-            continue; // its keys may be of another type
-        }
-        if (walk->key == key ||
-            (walk->key != nullptr && key != nullptr && walk->equality(walk->key, key))) {
-            return true;
-        }
-    }
-    return false;
-}
-
-void Publisher::notify(FieldId field, void const* key, void const* value, KeyEquality equality) {
-    Walk walk{walks_, field, key, equality, 0, subscribers_.size(), false};
+void Publisher::notify(FieldId field, void const* key, void const* value) {
+    Walk walk{walks_, 0, subscribers_.size(), false};
     walks_ = &walk;
     while (walk.next < walk.bound) {
         Subscriber* const subscriber = subscribers_[walk.next++];

@@ -19,8 +19,8 @@ class Publisher;
 class Subscriber {
 public:
     /// `key` points to the changed key (null for an attribute that has none) and `value` to the
-    /// value that the publishing type documents (null after a deletion); both are valid during the
-    /// call only. An exception that leaves a dispatch function ends the process.
+    /// value that the publishing type documents, which may be null; both are valid during the call
+    /// only. An exception that leaves a dispatch function ends the process.
     using Dispatch = void (*)(Publisher* publisher, Subscriber* subscriber, FieldId field,
                               void const* key, void const* value) noexcept;
 
@@ -43,8 +43,7 @@ private:
     Publisher* publisher_ = nullptr;
 };
 
-/// Whether two keys of a collection are the same; the pointers are those given to
-/// `publishChangeRecursive`.
+/// Whether two keys of one field are the same.
 using KeyEquality = bool (*)(void const* a, void const* b);
 
 template <class Key> bool keysEqual(void const* a, void const* b) {
@@ -80,22 +79,20 @@ public:
     bool hasSubscribers() const noexcept { return count_ != 0; }
     U32 subscriberCount() const noexcept { return count_; }
 
-    /// Tells every subscriber that `field` changed under `key`.
+    /// Tells every subscriber that `field` changed under `key`. `equality` is there for a publisher
+    /// that merges the changes of one key; this one tells each change by itself and never calls it,
+    /// so it may be null.
     void publishChangeRecursive(FieldId field, void const* key, void const* value,
-                                KeyEquality equality) {
+                                [[maybe_unused]] KeyEquality equality) {
         if (count_ != 0) {
-            notify(field, key, value, equality);
+            notify(field, key, value);
         }
     }
-
-    /// Whether a notification of this field and key is under way, so that a reactor can tell the
-    /// echo of its own write from a change that somebody else made.
-    bool isPublishing(FieldId field, void const* key) const;
 
 private:
     struct Walk;
 
-    void notify(FieldId field, void const* key, void const* value, KeyEquality equality);
+    void notify(FieldId field, void const* key, void const* value);
     void sweep() noexcept;
 
     std::vector<Subscriber*> subscribers_; ///< null where one left during a walk

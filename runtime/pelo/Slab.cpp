@@ -93,6 +93,14 @@ void* takePiece(Slabs& all, std::size_t size) {
     return piece;
 }
 
+void giveBack(Slabs& all, void* storage, std::size_t size) noexcept {
+    if (size > largestPiece) {
+        ::operator delete(storage);
+        return;
+    }
+    putFree(all.classes[pieceSize(size) / granule - 1], storage, pieceSize(size));
+}
+
 } // namespace
 
 void* slabAllocate(std::size_t size, AllocationTracker& tracker) {
@@ -108,11 +116,14 @@ void slabRelease(void* storage, std::size_t size, AllocationTracker& tracker) no
     Slabs& all = slabs();
     ThreadControlGuard const guard(all.mutex);
     tracker.releaseRecorded();
-    if (size > largestPiece) {
-        ::operator delete(storage);
-        return;
-    }
-    putFree(all.classes[pieceSize(size) / granule - 1], storage, pieceSize(size));
+    giveBack(all, storage, size);
+}
+
+void slabUndo(void* storage, std::size_t size, AllocationTracker& tracker) noexcept {
+    Slabs& all = slabs();
+    ThreadControlGuard const guard(all.mutex);
+    tracker.allocationUndone();
+    giveBack(all, storage, size);
 }
 
 } // namespace Pelo

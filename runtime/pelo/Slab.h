@@ -11,16 +11,20 @@ namespace Pelo {
 /// One per type, kept by `SlabAllocated`. Reads are for tests, inspection and leak hunting.
 class AllocationTracker {
 public:
-    std::size_t objectSize() const noexcept {
-        return objectSize_;
-    } ///< bytes; 0 until the first object is built
+    /// In bytes; 0 until the first object is built.
+    std::size_t objectSize() const noexcept { return objectSize_; }
     U64 live() const noexcept { return allocated_ - released_; }
-    /// Since the process began; an object whose constructor threw counts as built and destroyed.
+    /// Since the process began; an object whose constructor threw is not counted.
     U64 allocated() const noexcept { return allocated_; }
 
     void allocationRecorded(std::size_t objectSize) noexcept {
         objectSize_ = objectSize;
         ++allocated_;
+    }
+    void allocationUndone() noexcept {
+        if (--allocated_ == 0) {
+            objectSize_ = 0;
+        }
     }
     void releaseRecorded() noexcept { ++released_; }
 
@@ -40,19 +44,32 @@ private:
 void* slabAllocate(std::size_t size, AllocationTracker& tracker);
 void slabRelease(void* storage, std::size_t size, AllocationTracker& tracker) noexcept;
 
+/// As `slabRelease`, for an object that was not built: the tracker forgets the allocation.
+void slabUndo(void* storage, std::size_t size, AllocationTracker& tracker) noexcept;
+
+/// What `newNode` gives to `new`, for the `delete` that runs when the constructor throws: the
+/// language does not tell it the size.
+struct NodeSize {
+    std::size_t bytes;
+};
+
 /// Base of an entity type whose objects live in slab storage and are counted by the type's
 /// allocation tracker.
 ///
-///     class VpIndexConfigDir final : public Qor::Entity, public
-///     Pelo::SlabAllocated<VpIndexConfigDir> { ... };
+///     class Fan final : public Qor::Entity, public Pelo::SlabAllocated<Fan> {
 ///
-/// `new` takes the storage and records the allocation before the constructor runs; when the
-/// constructor throws, the language gives both back through the matching `delete`.
+/// `Pelo::newNode` builds the objects, plain `new` does not compile. The storage is taken and the
+/// allocation recorded before the constructor runs; when the constructor throws, the storage is
+/// returned and the record undone.
 template <class T> class SlabAllocated {
 public:
-    static void* operator new(std::size_t size) {
+    static void* operator new(std::size_t size) = delete;
+    static void* operator new(std::size_t size, NodeSize) {
         static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
         return slabAllocate(size, allocationTracker());
+    }
+    static void operator delete(void* storage, NodeSize size) noexcept {
+        slabUndo(storage, size.bytes, allocationTracker());
     }
     static void operator delete(void* storage, std::size_t size) noexcept {
         slabRelease(storage, size, allocationTracker());
@@ -67,5 +84,9 @@ protected:
     SlabAllocated() = default;
     ~SlabAllocated() = default;
 };
+
+/// A type that derives from `SlabAllocated`.
+template <class T>
+concept InSlab = requires { T::allocationTracker(); };
 
 } // namespace Pelo

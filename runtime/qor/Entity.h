@@ -29,8 +29,7 @@ protected:
 
     bool hasSubscribers() const noexcept { return publisher_.hasSubscribers(); }
 
-    /// Publishes a change of a plain attribute; `value` is null when the attribute has none any
-    /// more.
+    /// Publishes a change of a plain attribute; `value` is what the type documents.
     void publishAttribute(Pelo::FieldId field, void const* value) {
         publisher_.publishChangeRecursive(field, nullptr, value, nullptr);
     }

@@ -62,6 +62,7 @@ struct FieldData {
     /// Of a collection; the type is null for the other kinds.
     ArgumentData key{nullptr, nullptr};
     std::vector<FieldAccess> accesses{}; ///< what can be done to it, one entry an operation code
+    std::string documentation{};         ///< what it is, in a few words for people; may be empty
 
     /// Null when the field does not take that operation code.
     FieldAccess const* access(OpCode code) const noexcept;

@@ -1,8 +1,10 @@
 #include "qor/Inspection.h"
 
+#include "qor/Entity.h"
 #include "qor/Exceptions.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Qor {
@@ -81,12 +83,43 @@ GenericValue inspect(AccessTarget const& target, Pelo::FieldId number, OpCode co
     return access->run(target, arguments);
 }
 
-/// The operation of that name, or why there is none.
-FieldData const* operationFind(TypeData const* type, std::string_view name,
-                               std::optional<CallRefusal>& refusal) {
-    FieldData const* const field = type == nullptr ? nullptr : type->fieldByName(name);
-    if (field != nullptr && field->kind == FieldKind::operation) {
-        return field;
+/// What a name stands for when it is called.
+struct Callable {
+    FieldData const* field = nullptr; ///< null when the name stands for nothing
+    OpCode code = OpCode::call;
+};
+
+/// An operation by its own name, or, unless the node is an entity that others share, a mutator by
+/// the name that it has in the type: that of its field with `Is`, `Del` or `DelAll` behind it.
+Callable callableFind(Pelo::Node const& node, TypeData const& type, std::string_view name) {
+    FieldData const* const operation = type.fieldByName(name);
+    if (operation != nullptr && operation->kind == FieldKind::operation) {
+        return {operation, OpCode::call};
+    }
+    if (dynamic_cast<Entity const*>(&node) != nullptr) {
+        return {};
+    }
+    constexpr std::pair<std::string_view, OpCode> mutators[] = {
+        {"Is", OpCode::set}, {"Del", OpCode::del}, {"DelAll", OpCode::delAll}};
+    for (auto const& [suffix, code] : mutators) {
+        if (name.ends_with(suffix)) {
+            FieldData const* const field =
+                type.fieldByName(name.substr(0, name.size() - suffix.size()));
+            if (field != nullptr && field->access(code) != nullptr) {
+                return {field, code};
+            }
+        }
+    }
+    return {};
+}
+
+/// The same, or why there is nothing of that name.
+Callable callableFind(Pelo::Node const& node, std::string_view name,
+                      std::optional<CallRefusal>& refusal) {
+    TypeData const* const type = node.typeData();
+    Callable const found = type == nullptr ? Callable() : callableFind(node, *type, name);
+    if (found.field != nullptr) {
+        return found;
     }
     std::string operations;
     if (type != nullptr) {
@@ -97,8 +130,10 @@ FieldData const* operationFind(TypeData const* type, std::string_view name,
         }
     }
     std::string const owner = type == nullptr ? "an entity that has any" : type->name();
-    refusal = {CallRefusal::operationName, {0, "an operation of " + owner + operations}};
-    return nullptr;
+    std::string const which =
+        type != nullptr && operations.empty() ? ", which has none" : operations;
+    refusal = {CallRefusal::operationName, {0, "an operation of " + owner + which}};
+    return {};
 }
 
 /// The arguments that the texts stand for, as far as they do; why not the rest.
@@ -129,14 +164,14 @@ std::vector<GenericValue> argumentsRead(std::span<ArgumentData const> declared,
 template <class Node>
 CallResult call(Node& node, std::string_view operation, std::span<std::string_view const> texts) {
     CallResult result;
-    FieldData const* const field = operationFind(node.typeData(), operation, result.refusal);
+    auto const [field, code] = callableFind(node, operation, result.refusal);
     if (field == nullptr) {
         return result;
     }
     std::vector<GenericValue> const arguments =
-        argumentsRead(field->arguments(), texts, result.refusal);
+        argumentsRead(field->access(code)->arguments, texts, result.refusal);
     if (!result.refusal) {
-        result.value = inspectOperation(node, field->number, OpCode::call, arguments);
+        result.value = inspectOperation(node, field->number, code, arguments);
     }
     return result;
 }

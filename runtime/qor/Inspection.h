@@ -57,7 +57,9 @@ struct CallResult {
 };
 
 /// Calls an operation by its name, with arguments that are read from texts as the operation
-/// declares them.
+/// declares them. Mutators of a state machine or another node that is no `Entity` are called by the
+/// names that they have in the type: `vpIndexAllocatorDel`, `vpIndexAllocatorDelAll`. Those of
+/// entities, which others share and watch, are reached by number only.
 ///
 /// What does not fit is no exception but a refusal, since the texts are most often typed by people.
 /// An exception of the operation itself passes through, and so does `ConstEntityException`.

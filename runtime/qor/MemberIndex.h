@@ -23,7 +23,7 @@ concept DirectKey = requires(Key const& key) {
 
 /// The 32-bit hash by which a collection files a key: the low half of the key's `hash()`, each bit
 /// of which must depend on the whole key (see `Pelo::hashMix`). It is odd, so that 0 can mark what
-/// has no hash.
+/// has no hash. For a `DirectKey`, which is found without one, it is 1.
 template <class Key> U32 keyHash(Key const& key) noexcept {
     U64 hash = 0;
     if constexpr (std::integral<Key>) {

@@ -26,9 +26,12 @@
 /// words change has a message for each wording.
 ///
 /// `level` and `unit` are constants. The pieces are evaluated only when they are needed, and once.
-/// An exception while tracing ends the process. Cost: one test of one word when neither the level
-/// is on nor a ring buffer is there; with a ring buffer some ten to twenty nanoseconds, in which no
-/// text is made of any piece that `Lumlog::ArgTraits` knows.
+/// While there is a ring buffer they are needed, also for a message that is disabled there: the
+/// words among them tell which message it is. An exception while tracing ends the process.
+///
+/// Cost: one test of one word when neither the level is on nor a ring buffer is there; with a ring
+/// buffer some ten to twenty nanoseconds, in which no text is made of any piece that
+/// `Lumlog::ArgTraits` knows.
 #define QOR_TRACE(handle, level, unit, op, ...)                                                    \
     QOR_TRACE_SITE(handle, level, unit, {                                                          \
         if (qorTraceSite.recordWanted() || qorTraceSite.lineWanted()) {                            \
@@ -81,7 +84,7 @@ public:
         : handle_(handle),
           descriptor_(descriptor),
           function_(function),
-          ring_(Lumlog::RingBuffer::currentFor(descriptor)) {}
+          ring_(Lumlog::RingBuffer::currentIfAny()) {}
 
     bool recordWanted() const noexcept { return ring_ != nullptr; }
     bool lineWanted() const noexcept { return handle_.isOn(descriptor_.level()); }

@@ -10,8 +10,8 @@ namespace Qor {
 /// One trace line, opened when the helper is built and emitted to the trace sink when it is
 /// destroyed.
 ///
-///     Qor::TraceHelper(handle, 5, file, line, __func__).stream() << "allocVpIndex" << " index
-///     freed is: " << index;
+///     Qor::TraceHelper line(handle, 5, file, number, __func__);
+///     line.stream() << "freeVpIndex" << " index freed is: " << index;
 ///
 /// The helper emits whatever the levels of the handle: who builds one has asked `isOn`. The texts
 /// it is given must outlive it. An exception while the line is emitted ends the process. The

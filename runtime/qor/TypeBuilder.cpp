@@ -48,6 +48,12 @@ void TypeBuilderBase::constructorAdd(TypeData::Constructor constructor) {
     constructor_ = std::move(constructor);
 }
 
+void TypeBuilderBase::documentationAdd(std::string text) {
+    std::string& documentation = fields_.empty() ? documentation_ : fields_.back().documentation;
+    QOR_ASSERT(documentation.empty());
+    documentation = std::move(text);
+}
+
 std::vector<ArgumentData> TypeBuilderBase::arguments(std::initializer_list<char const*> names,
                                                      std::vector<ValueType const*> const& types) {
     QOR_ASSERT(names.size() == types.size());

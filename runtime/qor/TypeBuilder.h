@@ -5,6 +5,7 @@
 
 #include <initializer_list>
 #include <optional>
+#include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -28,11 +29,14 @@ protected:
     void mutatorAdd(OpCode code, std::vector<ValueType const*> const& types, AccessRun run,
                     ValueType const* result);
     void constructorAdd(TypeData::Constructor constructor);
+    /// Of the field declared last; of the type while none is.
+    void documentationAdd(std::string text);
 
     static std::vector<ArgumentData> arguments(std::initializer_list<char const*> names,
                                                std::vector<ValueType const*> const& types);
 
     char const* name_;
+    std::string documentation_;
     std::vector<FieldData> fields_;
     std::optional<TypeData::Constructor> constructor_;
 };
@@ -44,9 +48,11 @@ protected:
 ///     Qor::TypeData const& Fan::typeTable() {
 ///         static Qor::TypeData const table =
 ///             Qor::TypeBuilder<Fan>("Cooling::Fan")
+///                 .doc("a fan of the tray")
 ///                 .constructor(&Fan::FanIs, {"name", "slot"})
 ///                 .attribute(Qor::nameStringField, "nameString", &Fan::nameString)
 ///                 .attribute(258, "speed", &Fan::speed).set(&Fan::speedIs)
+///                 .doc("turns a minute")
 ///                 .collection(259, "alarm", "sensor", &Fan::alarm)
 ///                     .set(&Fan::alarmIs).del(&Fan::alarmDel).delAll(&Fan::alarmDelAll)
 ///                 .constant(260, "path", Fan::path)
@@ -57,11 +63,13 @@ protected:
 ///     Qor::TypeData const* Fan::typeData() const { return &typeTable(); }
 ///
 /// A mutator belongs to the attribute or collection before it; one without mutators can only be
-/// read. The types of values, keys, arguments and results are those of the accessors. Of an
-/// overloaded accessor the one that fits is taken (the getter of an attribute or collection is the
-/// one without parameters); of an overloaded operation `Qor::overload` picks one. Names are
-/// literals. A number or name that is there already, a number of argument names that is not that of
-/// the parameters, and a mutator whose types are not those of its field stop the process.
+/// read. `doc` says what the field before it is (the type, when it stands before all fields), in a
+/// few words for people; each may have one. The types of values, keys, arguments and results are
+/// those of the accessors. Of an overloaded accessor the one that fits is taken (the getter of an
+/// attribute or collection is the one without parameters); of an overloaded operation
+/// `Qor::overload` picks one. Names are literals. A number, name or `doc` that is there already, a
+/// number of argument names that is not that of the parameters, and a mutator whose types are not
+/// those of its field stop the process.
 ///
 /// For the source of a type: it should not be included by headers.
 template <class T> class TypeBuilder : private Detail::TypeBuilderBase {
@@ -69,6 +77,12 @@ template <class T> class TypeBuilder : private Detail::TypeBuilderBase {
 
 public:
     explicit TypeBuilder(char const* typeName) : TypeBuilderBase(typeName) {}
+
+    /// What the field declared last is; the type itself, before the first one.
+    TypeBuilder& doc(std::string text) {
+        documentationAdd(std::move(text));
+        return *this;
+    }
 
     /// The creator by which `genericIfConstructFromCtorArgs` builds an object. An abstract type
     /// declares none.
@@ -155,7 +169,9 @@ public:
         return operationAdd<R, A...>(number, fieldName, false, function, names);
     }
 
-    TypeData build() { return {name_, std::move(fields_), std::move(constructor_)}; }
+    TypeData build() {
+        return {name_, std::move(documentation_), std::move(fields_), std::move(constructor_)};
+    }
 
 private:
     template <class R, class Get>

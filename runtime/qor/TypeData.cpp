@@ -51,14 +51,26 @@ TypeData const& TypeData::get(std::string_view name) {
     return *type;
 }
 
+namespace {
+
+void printDocumentation(std::ostream& out, char const* indent, std::string const& text) {
+    if (!text.empty()) {
+        out << indent << text << '\n';
+    }
+}
+
+} // namespace
+
 std::ostream& operator<<(std::ostream& out, TypeData const& type) {
     out << type.name();
     if (type.constructor() != nullptr) {
         out << '(' << listText(type.constructor()->arguments) << ')';
     }
     out << '\n';
+    printDocumentation(out, "  ", type.documentation());
     for (FieldData const& field : type.fields()) {
         out << "  " << field.number << "  " << field.signature() << '\n';
+        printDocumentation(out, "       ", field.documentation);
     }
     return out;
 }

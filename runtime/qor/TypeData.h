@@ -8,7 +8,9 @@
 #include <iosfwd>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Qor {
@@ -26,9 +28,12 @@ public:
         std::function<Pelo::Ptr<Pelo::Node>(Arguments)> create;
     };
 
-    TypeData(char const* name, std::vector<FieldData> fields,
+    TypeData(char const* name, std::string documentation, std::vector<FieldData> fields,
              std::optional<Constructor> constructor)
-        : name_(name), fields_(std::move(fields)), constructor_(std::move(constructor)) {}
+        : name_(name),
+          documentation_(std::move(documentation)),
+          fields_(std::move(fields)),
+          constructor_(std::move(constructor)) {}
     TypeData(TypeData const&) = delete;
     TypeData& operator=(TypeData const&) = delete;
 
@@ -36,6 +41,9 @@ public:
     char const* name() const noexcept { return name_; }
     /// Without them: "VpIndexConfigDir".
     std::string_view unqualifiedName() const noexcept;
+
+    /// What the type is, in a few words for people; may be empty.
+    std::string const& documentation() const noexcept { return documentation_; }
 
     std::span<FieldData const> fields() const noexcept { return fields_; }
 
@@ -56,12 +64,13 @@ public:
 
 private:
     char const* name_;
+    std::string documentation_;
     std::vector<FieldData> fields_;
     std::optional<Constructor> constructor_;
 };
 
 /// Prints the type for reference: its name with the constructor's arguments, then a line a field
-/// with number and signature.
+/// with number and signature, each with its documentation on a line below.
 std::ostream& operator<<(std::ostream& out, TypeData const& type);
 
 } // namespace Qor

@@ -16,8 +16,7 @@ namespace Qor {
 ///
 /// A library registers its types when it is loaded:
 ///
-///     static Qor::TypeModule const module("L3McastGroupApi", {&NonUcastHigigIntfs::typeTable(),
-///     ...});
+///     static Qor::TypeModule const module("Cooling", {&Fan::typeTable()});
 ///
 /// The names of modules are distinct within a process, and so are those of the registered types; a
 /// module that breaks this stops the process. Reading is safe from any thread once the libraries

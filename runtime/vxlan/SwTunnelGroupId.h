@@ -60,23 +60,28 @@ public:
 
     static RefcountTable& refcountTable();
 
+    /// Adds a user of the group that is no id. The use is the caller's, who gives it back with
+    /// `refDec` of this id or another one of the group; until then the group stays in the table,
+    /// whatever becomes of its ids. An id that is moved from has no group: nothing happens.
+    void refInc() const noexcept {
+        if (entry_ != nullptr) {
+            Pelo::countInc(entry_->useCount);
+        }
+    }
+
+    /// Gives back one use that `refInc` added. The id's own use is not the caller's to give.
+    void refDec() const noexcept {
+        if (entry_ != nullptr) {
+            refcountTable().entries_.release(entry_);
+        }
+    }
+
     friend bool operator==(SwTunnelGroupId const& a, SwTunnelGroupId const& b) noexcept {
         return a.entry_ == b.entry_ || a.value() == b.value();
     }
 
 private:
     static U64 hashOf(U32 number) noexcept { return Pelo::hashMix(number, 0); }
-
-    void refInc() const noexcept {
-        if (entry_ != nullptr) {
-            Pelo::countInc(entry_->useCount);
-        }
-    }
-    void refDec() const noexcept {
-        if (entry_ != nullptr) {
-            refcountTable().entries_.release(entry_);
-        }
-    }
 
     Entry* entry_; ///< null when moved from
 };

@@ -79,7 +79,8 @@ TEST(Commands, AreRefusedWhenUnknown) {
     EXPECT_EQ(refusalOf("requests bgp vlan 1"),
               (At{"unknown command \"requests\", expected client, request, withdraw, put, drop, "
                   "clear, save-boot, import, start, stop, restart, call, call-client, clear-stale, "
-                  "verify, dump, show, begin, commit, echo, help or quit",
+                  "verify, mcast, dump, show, inspect, ring, message, begin, commit, echo, help or "
+                  "quit",
                   0, 8}));
     EXPECT_EQ(refusalOf("client"),
               (At{"a word is missing, expected client add, client remove or client retire", 6, 0}));
@@ -91,16 +92,16 @@ TEST(Commands, AreRefusedWhenUnknown) {
 }
 
 TEST(Commands, AreAllExplained) {
-    EXPECT_NE(helpText(nullptr).find("withdraw NAME VPORT"), std::string::npos);
+    EXPECT_NE(helpText({}).find("withdraw NAME VPORT"), std::string::npos);
     Words words;
     words.read("start client show");
-    EXPECT_NE(helpText(&words.all()[0])
+    EXPECT_NE(helpText(words.all().first(1))
                   .find("start [table-size=N] [reallocation=on|off] [vfi-forwarding=on|off] "
                         "[remote-low=on|off]\n"),
               std::string::npos);
-    EXPECT_NE(helpText(&words.all()[1]).find("client retire NAME\n"), std::string::npos);
-    EXPECT_NE(helpText(&words.all()[2]).find("show [WHAT [NAME]]\n"), std::string::npos);
-    EXPECT_NE(helpText(&words.all()[2])
+    EXPECT_NE(helpText(words.all().subspan(1, 1)).find("client retire NAME\n"), std::string::npos);
+    EXPECT_NE(helpText(words.all().subspan(2, 1)).find("show [WHAT [NAME]]\n"), std::string::npos);
+    EXPECT_NE(helpText(words.all().subspan(2, 1))
                   .find("WHAT: clients, counters, log, references, ring, table, waiting"),
               std::string::npos);
 }

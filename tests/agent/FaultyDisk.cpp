@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <utility>
+
 namespace VpAgentTest {
 
 namespace {
@@ -33,6 +35,17 @@ struct Plan {
 Plan plan;
 unsigned syncCount = 0;
 
+std::function<void(FaultyDisk::Operation)> hook;
+bool inHook = false;
+
+void tell(FaultyDisk::Operation operation) {
+    if (hook && !inHook) {
+        inHook = true;
+        hook(operation);
+        inHook = false;
+    }
+}
+
 /// A file of ours; that of the disk below stands behind it.
 struct File {
     sqlite3_file base;
@@ -51,22 +64,27 @@ int readFile(sqlite3_file* file, void* bytes, int count, sqlite3_int64 at) {
     return below(file)->pMethods->xRead(below(file), bytes, count, at);
 }
 int writeFile(sqlite3_file* file, void const* bytes, int count, sqlite3_int64 at) {
+    tell(FaultyDisk::Operation::change);
     int const code = plan.next();
     return code != SQLITE_OK ? code : below(file)->pMethods->xWrite(below(file), bytes, count, at);
 }
 int truncateFile(sqlite3_file* file, sqlite3_int64 size) {
+    tell(FaultyDisk::Operation::change);
     int const code = plan.next();
     return code != SQLITE_OK ? code : below(file)->pMethods->xTruncate(below(file), size);
 }
 int syncFile(sqlite3_file* file, int flags) {
     ++syncCount;
+    tell(FaultyDisk::Operation::sync);
     int const code = plan.next();
     return code != SQLITE_OK ? code : below(file)->pMethods->xSync(below(file), flags);
 }
 int sizeOfFile(sqlite3_file* file, sqlite3_int64* size) {
+    tell(FaultyDisk::Operation::look);
     return below(file)->pMethods->xFileSize(below(file), size);
 }
 int lockFile(sqlite3_file* file, int lock) {
+    tell(FaultyDisk::Operation::lock);
     return below(file)->pMethods->xLock(below(file), lock);
 }
 int unlockFile(sqlite3_file* file, int lock) {
@@ -114,6 +132,7 @@ int openFile(sqlite3_vfs* vfs, char const* name, sqlite3_file* file, int flags, 
 }
 
 int deleteFile(sqlite3_vfs* vfs, char const* name, int syncFolder) {
+    tell(FaultyDisk::Operation::change);
     int const code = plan.next();
     return code != SQLITE_OK ? code : realVfs(vfs)->xDelete(realVfs(vfs), name, syncFolder);
 }
@@ -128,10 +147,12 @@ FaultyDisk::FaultyDisk() : vfs_(new sqlite3_vfs(*sqlite3_vfs_find(nullptr))) {
     vfs_->xDelete = deleteFile;
     plan = Plan();
     syncCount = 0;
+    hook = nullptr;
     sqlite3_vfs_register(vfs_, 1);
 }
 
 FaultyDisk::~FaultyDisk() {
+    hook = nullptr;
     sqlite3_vfs_register(realVfs(vfs_), 1);
     sqlite3_vfs_unregister(vfs_);
     delete vfs_;
@@ -141,6 +162,8 @@ void FaultyDisk::failAt(unsigned at, Fault fault, Lasting lasting) {
     plan = {true, at, fault == Fault::full ? SQLITE_FULL : SQLITE_IOERR,
             lasting == Lasting::forEver, false};
 }
+
+void FaultyDisk::before(std::function<void(Operation)> newHook) { hook = std::move(newHook); }
 
 void FaultyDisk::repair() { plan.armed = false; }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 struct sqlite3_vfs;
 
 namespace VpAgentTest {
@@ -25,6 +27,12 @@ public:
 
     /// Whether an operation failed since `failAt`.
     bool failed() const;
+
+    enum class Operation { look, lock, change, sync }; ///< `look` asks for the size of a file
+
+    /// Calls `hook` before each such operation, but not before those that it makes itself; null
+    /// ends that.
+    void before(std::function<void(Operation)> hook);
 
     /// How many times anything was forced to the disk since this was made.
     unsigned syncs() const;

@@ -55,6 +55,45 @@ TEST(ImportCommand, DoesAllOrNothing) {
 )json");
 }
 
+TEST(ImportCommand, RefusesTheStateFileItself) {
+    namespace fs = std::filesystem;
+    TemporaryFolder const folder;
+    auto const path = [&](char const* name) { return (folder.path() / name).string(); };
+    folder.write("state", "");
+    fs::create_symlink("state", path("link"));
+    fs::create_hard_link(path("state"), path("hard"));
+    folder.write("other", "{}");
+    std::string script = "client add a\n";
+    std::string expected = R"({"ok": "client", "line": 1})"
+                           "\n";
+    int line = 1;
+    for (char const* const name :
+         {"state", "link", "hard", "state-wal", "state-journal", "state-shm", "../state-wal"}) {
+        std::string const file =
+            name[0] == '.'
+                ? (folder.path() / "." / ".." / folder.path().filename() / (name + 3)).string()
+                : path(name);
+        script += "import " + file + " x\n";
+        expected += "{\"error\": \"cannot read \\\"" + file +
+                    "\\\" (it belongs to the state file in use), expected a readable file "
+                    "(column 8)\", \"line\": " +
+                    std::to_string(++line) + "}\n";
+    }
+    EXPECT_EQ(runJson(script, 2, {"--keep-going", "--state", path("state")}), expected);
+    EXPECT_EQ(
+        runJson("import " + path("other") + "\n", 0, {"--state", path("state")}).substr(0, 15),
+        R"({"ok": "import")");
+}
+
+TEST(ImportCommand, RefusesAFileThatOpensButCannotBeRead) {
+    EXPECT_EQ(
+        runJson("import /proc/self/mem z\nimport / z\necho on\n", 2, {"--keep-going"}),
+        R"json({"error": "cannot read \"/proc/self/mem\" (Input/output error), expected a readable file (column 8)", "line": 1}
+{"error": "\"/\" is a folder, expected a file (column 8)", "line": 2}
+{"ok": "echo", "line": 3, "text": "on"}
+)json");
+}
+
 /// Files that real network operating systems wrote, where they are at hand: they lie beside the
 /// project.
 class RealFile : public testing::Test {

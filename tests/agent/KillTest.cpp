@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -174,6 +177,62 @@ TEST_F(Kill, ASecondProgramOnTheFileIsRefusedAndTheFirstGoesOn) {
     std::string const before = run.database();
     run.kill();
     EXPECT_EQ(found(), before);
+}
+
+TEST_F(Kill, AnImportOfTheStateFileKeepsTheLock) {
+    KillableRun run(path());
+    run.write("client add a\nimport " + path() + " x\nshow ring --from " + path() + "\nring dump " +
+              path() + '\n');
+    ASSERT_TRUE(run.readAnswers(4));
+    for (std::size_t at = 1; at < 4; ++at) {
+        EXPECT_NE(run.answers()[at].find("(it belongs to the state file in use)"),
+                  std::string::npos)
+            << run.answers()[at];
+    }
+    Outcome const second = runVpagent({"--state", path()}, "client add b\n");
+    EXPECT_EQ(second.status, 2);
+    EXPECT_EQ(second.out, "");
+    run.write("client add c\n");
+    std::string const before = run.database();
+    run.kill();
+    EXPECT_EQ(found(), before);
+}
+
+TEST_F(Kill, OfTwoThatStartTogetherOneRuns) {
+    constexpr int rounds = 15;
+    KillableRun memory("");
+    for (int round = 0; round < rounds; ++round) {
+        std::vector<std::unique_ptr<KillableRun>> runs;
+        for (char const* const name : {"a", "b"}) {
+            runs.push_back(std::make_unique<KillableRun>(path()));
+            runs.back()->write(std::string("client add ") + name + std::to_string(round) + '\n');
+        }
+        std::size_t const first = runs[0]->readAnswers(1) ? 0 : 1;
+        ASSERT_TRUE(runs[first]->readAnswers(1)) << round;
+        ASSERT_FALSE(runs[1 - first]->readAnswers(1)) << round;
+        memory.write(std::string("client add ") + (first == 0 ? "a" : "b") + std::to_string(round) +
+                     '\n');
+        runs[first]->kill();
+    }
+    EXPECT_EQ(found(), memory.database());
+}
+
+TEST_F(Kill, AStateFileWhoseLogIsLostIsRefused) {
+    for (bool const idle : {true, false}) {
+        TemporaryFolder const folder;
+        std::string const path = (folder.path() / "state").string();
+        KillableRun run(path);
+        run.write(idle ? "echo started\n" : "client add a\n");
+        ASSERT_TRUE(run.readAnswers(1));
+        run.kill();
+        std::filesystem::remove(path + "-wal");
+        Outcome const next = runVpagent({"--state", path}, "dump\n");
+        EXPECT_EQ(next.status, 2);
+        EXPECT_EQ(next.out, "");
+        EXPECT_EQ(next.err, "vpagent: cannot use the state file \"" + path +
+                                "\": it is damaged (the run before was cut off, and its log beside "
+                                "the file is missing or empty), expected it as vpagent left it\n");
+    }
 }
 
 /// The story of a full table: what is left of it is the same whether the agent was restarted or

@@ -5,6 +5,9 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -228,6 +231,28 @@ TEST(Options, AreRefusedWhenTheyAreWrong) {
         EXPECT_EQ(outcome.out, "");
         EXPECT_NE(outcome.err, "");
     }
+}
+
+TEST(Options, TakeScriptNamesInBrackets) {
+    TemporaryFolder const folder;
+    folder.write("x", "echo without\n");
+    folder.write("[x]", "echo brackets\n");
+    folder.write("[x,y]", "echo list\n");
+    folder.write("{}", "echo braces\n");
+    auto const runs = [&folder](std::string const& scripts) {
+        std::string const out = (folder.path() / "out").string();
+        std::string const command = "cd " + folder.path().string() +
+                                    " && exec " VPAGENT_PROGRAM " " + scripts +
+                                    " > out < /dev/null";
+        EXPECT_EQ(std::system(command.c_str()), 0) << scripts;
+        std::ifstream file(out);
+        return std::string{std::istreambuf_iterator<char>(file), {}};
+    };
+    EXPECT_EQ(runs("'[x]'"), "brackets\n");
+    EXPECT_EQ(runs("'{}'"), "braces\n");
+    EXPECT_EQ(runs("'[x]' x '[x,y]' --keep-going -- '{}'"), "brackets\nwithout\nlist\nbraces\n");
+    EXPECT_EQ(runs("--state '[s]' x"), "without\n");
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "[s]"));
 }
 
 TEST(Options, ExplainThemselves) {

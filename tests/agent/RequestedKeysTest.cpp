@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace VpAgent {
 namespace {
@@ -93,6 +95,27 @@ TEST(Import, TakesAnMclagDomainWithoutPeerLink) {
     EXPECT_EQ(requestsOf(R"({"MCLAG_DOMAIN": {"7": {"peer_ip": "10.0.1.2"}}})"), "mlag 10.0.1.2@7");
 }
 
+TEST(Import, TakesALayer3VniWithoutRemoteVteps) {
+    EXPECT_EQ(requestsOf(R"({"4001": {"vni": 4001, "type": "L3", "numRemoteVteps": "n/a"},
+                             "101": {"vni": 101, "remoteVteps": [{"ip": "10.0.0.9"}]}})"),
+              "remote 10.0.0.9@101");
+    EXPECT_EQ(refusalOf(R"([{"vni": 1, "numRemoteVteps": "some"}])"),
+              "[0]: VNI: numRemoteVteps \"some\" without remoteVteps, expected the list of them");
+}
+
+TEST(Import, RefusesControlCharactersInInterfaces) {
+    for (std::string const character : {"\\u0000", "\\u001b", "\\u007f", "\\u0085", "\\u009f"}) {
+        for (std::string const& file :
+             {R"({"VLAN_MEMBER|Vlan1|Eth)" + character + R"(": {}})",
+              R"({"MCLAG_DOMAIN|1": {"peer_ip": "::1", "peer_link": "E)" + character + "\"}}"}) {
+            EXPECT_NE(refusalOf(file).find("expected an interface name without control characters"),
+                      std::string::npos)
+                << file << ": " << refusalOf(file);
+        }
+    }
+    EXPECT_EQ(requestsOf(R"({"VLAN_MEMBER|Vlan1|\u00a0": {}})"), "edge \xC2\xA0:1");
+}
+
 TEST(Import, NamesAMalformedEntry) {
     EXPECT_EQ(refusalOf(R"({"VLAN_MEMBER|Vlan100|Ethernet0": {}, "VLAN_MEMBER|Vlan4095|Et1": {}})"),
               "VLAN_MEMBER|Vlan4095|Et1: VLAN \"Vlan4095\", expected Vlan1 to Vlan4094");
@@ -102,6 +125,8 @@ TEST(Import, NamesAMalformedEntry) {
               "VLAN_MEMBER|Vlan100|: key \"Vlan100|\", expected VlanN|INTERFACE");
     EXPECT_EQ(refusalOf(R"({"VLAN_MEMBER": {"Vlan100|Ethernet0": 1}})"),
               "VLAN_MEMBER|Vlan100|Ethernet0: 1, expected an object");
+    EXPECT_EQ(refusalOf(R"({"VLAN_MEMBER": {"Vlan100|Ethernet0": [[1], 2]}})"),
+              "VLAN_MEMBER|Vlan100|Ethernet0: an array, expected an object");
     EXPECT_EQ(refusalOf(R"({"VLAN_MEMBER": []})"),
               "VLAN_MEMBER: the table is no object, expected an object of entries");
     EXPECT_EQ(
@@ -131,6 +156,8 @@ TEST(Import, NamesAMalformedVtep) {
               "\"b\": VNI: 2, expected an object");
     EXPECT_EQ(refusalOf(R"([{"vni": 1, "numRemoteVteps": 2}])"),
               "[0]: VNI: numRemoteVteps 2 without remoteVteps, expected the list of them");
+    EXPECT_EQ(refusalOf(R"([{"vni": 1, "numRemoteVteps": {"a": 1}}])"),
+              "[0]: VNI: numRemoteVteps an object without remoteVteps, expected the list of them");
 }
 
 TEST(Import, TakesNumbersInTheirOneFormOnly) {
@@ -156,10 +183,63 @@ TEST(Import, RefusesWhatIsNoJson) {
         "the file is no object and no array, expected a configuration database or EVPN state");
 }
 
+TEST(Import, RefusesANulByte) {
+    auto const withNul = [](std::string before, std::string_view behind) {
+        return refusalOf(before.append(1, '\0').append(behind));
+    };
+    std::string const whole = R"({"VLAN_MEMBER|Vlan7|Et1": {}})";
+    EXPECT_EQ(withNul(whole + "\n ", ""),
+              "no JSON at line 2, column 2, expected a JSON object or array");
+    EXPECT_EQ(withNul(whole, " and more"),
+              "no JSON at line 1, column 30, expected a JSON object or array");
+    EXPECT_EQ(withNul("", whole), "no JSON at line 1, column 1, expected a JSON object or array");
+    EXPECT_EQ(withNul("{\n\"VLAN_MEM", "BER\": {}}").substr(0, 21), "no JSON at line 2, co");
+}
+
+/// So deep that walking it by recursion would overflow the stack.
+std::string deep(std::size_t depth = 200000) {
+    return std::string(depth, '[') + std::string(depth, ']');
+}
+
+TEST(Import, RefusesWhatIsNestedTooDeep) {
+    std::string const behind = ", expected at most 100 objects and arrays within each other";
+    EXPECT_EQ(refusalOf(deep()), "nested too deep at line 1, column 101" + behind);
+    EXPECT_EQ(refusalOf("{\"VLAN_MEMBER\":\n {\"Vlan1|[\\\"Et\": " + deep() + "}}"),
+              "nested too deep at line 2, column 116" + behind);
+    for (std::string const& file : {R"({"vni": )" + deep() + R"(, "remoteVteps": []})",
+                                    R"({"VXLAN_TUNNEL_MAP|a|b": {"vlan": )" + deep() + "}}",
+                                    R"({"VXLAN_TUNNEL_MAP|a|b": {"vlan": {"x": )" + deep() + "}}}",
+                                    R"([{"vni": 1, "numRemoteVteps": )" + deep() + "}]",
+                                    R"([{"vni": 1, "remoteVteps": [)" + deep() + "]}]"}) {
+        std::string const refusal = refusalOf(file);
+        EXPECT_EQ(refusal.substr(0, 35), "nested too deep at line 1, column 1") << refusal;
+    }
+    EXPECT_EQ(refusalOf(R"({"OTHER": )" + deep(100) + "}"),
+              "nested too deep at line 1, column 110" + behind);
+    EXPECT_EQ(requestsOf(R"({"OTHER": )" + deep(99) + R"(, "VLAN_MEMBER|Vlan7|Et1": {}})"),
+              "edge Et1:7");
+}
+
 TEST(Import, RefusesANameThatStandsTwice) {
-    EXPECT_EQ(refusalOf(R"({"VLAN_MEMBER": {"Vlan1|Et1": {}, "Vlan1|Et1": {}}})"),
-              "the name \"Vlan1|Et1\" stands twice in one object, expected it once");
+    for (auto const& [file, name] : std::vector<std::pair<char const*, std::string>>{
+             {R"({"VLAN_MEMBER": {"Vlan1|Et1": {}, "Vlan1|Et1": {}}})", "Vlan1|Et1"},
+             {R"({"VLAN_MEMBER|Vlan1|E": {}, "X": 1, "VLAN_MEMBER|Vlan1|E": {}})",
+              "VLAN_MEMBER|Vlan1|E"},
+             {R"({"VLAN_MEMBER": {}, "VLAN_MEMBER": {}})", "VLAN_MEMBER"},
+             {R"({"VXLAN_TUNNEL_MAP": {"v": {"vlan": "Vlan1", "vlan": "Vlan2"}}})", "vlan"},
+             {R"([{"vni": 1, "vni": 2, "remoteVteps": []}])", "vni"},
+             {R"({"vni": 1, "remoteVteps": [{"ip": "::1", "ip": "::2"}]})", "ip"},
+             {R"({"a": {"vni": 1, "remoteVteps": []}, "a": {"vni": 2}})", "a"}}) {
+        EXPECT_EQ(refusalOf(file),
+                  "the name \"" + name + "\" stands twice in one object, expected it once");
+    }
     EXPECT_EQ(requestsOf(R"({"A": {"x": 1}, "B": {"x": 1}})"), "");
+}
+
+TEST(Import, TakesANameThatStandsTwiceInAnUnknownTable) {
+    EXPECT_EQ(requestsOf(R"({"A": {"x": 1, "x": {"y": 1, "y": 2}}, "A": 3,
+                             "VLAN_MEMBER": {"Vlan1|E": {"tagging": {"z": 1, "z": 1}}}})"),
+              "edge E:1");
 }
 
 TEST(Import, ReadsManyEntriesInTheirOrder) {

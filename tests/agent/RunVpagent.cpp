@@ -14,6 +14,7 @@
 #include <fstream>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 namespace VpAgentTest {
 
@@ -44,8 +45,9 @@ std::string contentOf(std::FILE* file) {
     return content;
 }
 
-/// Starts the program with these files as its standard input, output and error.
-pid_t start(std::vector<std::string> const& arguments, int in, int out, int err) {
+} // namespace
+
+pid_t startVpagent(std::vector<std::string> const& arguments, int in, int out, int err) {
     std::vector<char*> argv;
     std::string program = VPAGENT_PROGRAM;
     std::vector<std::string> words = arguments;
@@ -65,22 +67,20 @@ pid_t start(std::vector<std::string> const& arguments, int in, int out, int err)
     return process;
 }
 
-int waitFor(pid_t process) {
+int statusOf(pid_t process) {
     int status = 0;
     while (::waitpid(process, &status, 0) < 0 && errno == EINTR) {
     }
     return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-} // namespace
-
 Outcome runVpagent(std::vector<std::string> const& arguments, std::string_view input) {
     File const in = temporaryFile(input);
     File const out = temporaryFile();
     File const err = temporaryFile();
     pid_t const process =
-        start(arguments, ::fileno(in.get()), ::fileno(out.get()), ::fileno(err.get()));
-    int const status = waitFor(process);
+        startVpagent(arguments, ::fileno(in.get()), ::fileno(out.get()), ::fileno(err.get()));
+    int const status = statusOf(process);
     return {status, contentOf(out.get()), contentOf(err.get())};
 }
 
@@ -99,7 +99,7 @@ Driven::Driven(std::vector<std::string> const& arguments) {
     if (::pipe2(in.data(), O_CLOEXEC) != 0 || ::pipe2(out.data(), O_CLOEXEC) != 0) {
         throw std::runtime_error("no pipe");
     }
-    process_ = start(arguments, in[0], out[1], STDERR_FILENO);
+    process_ = startVpagent(arguments, in[0], out[1], STDERR_FILENO);
     ::close(in[0]);
     ::close(out[1]);
     input_ = in[1];
@@ -109,8 +109,14 @@ Driven::Driven(std::vector<std::string> const& arguments) {
 Driven::~Driven() {
     ::close(input_);
     ::close(output_);
-    waitFor(process_);
+    if (process_ >= 0) {
+        statusOf(process_);
+    }
 }
+
+void Driven::signal(int number) const { ::kill(process_, number); }
+
+int Driven::status() { return statusOf(std::exchange(process_, -1)); }
 
 void Driven::write(std::string_view text) const {
     ASSERT_EQ(::write(input_, text.data(), text.size()), static_cast<ssize_t>(text.size()));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -17,6 +19,12 @@ struct Outcome {
 /// Runs the program to its end, with `input` as its standard input.
 Outcome runVpagent(std::vector<std::string> const& arguments, std::string_view input = {});
 
+/// Starts the program with these files as its standard input, output and error.
+pid_t startVpagent(std::vector<std::string> const& arguments, int in, int out, int err);
+
+/// Waits for the end of a program: its exit status, or minus the signal that ended it.
+int statusOf(pid_t process);
+
 /// Runs one script with `--json` and further options, which must exit with `status`. Gives its
 /// standard output.
 std::string runJson(std::string_view script, int status = 0,
@@ -32,13 +40,19 @@ public:
 
     void write(std::string_view text) const;
 
+    /// Sends a signal.
+    void signal(int number) const;
+
+    /// Waits until the program has ended: its exit status, or minus the signal that ended it.
+    int status();
+
     /// Waits, for at most 20 seconds, until a whole line has come, and returns it.
     std::string readLine();
 
 private:
     int input_;
     int output_;
-    int process_;
+    pid_t process_;
     std::string pending_;
 };
 

@@ -2,10 +2,12 @@
 
 #include "agent/RunVpagent.h"
 
+#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace VpAgentTest {
 
@@ -28,6 +30,23 @@ inline std::string brief(Json const& record) {
         }
     }
     return shown.dump();
+}
+
+/// The error of the last line of a script, whose other lines must be carried out; and the state
+/// must be as before.
+inline std::string errorOf(std::string const& before, std::string const& command) {
+    std::string const out = runJson(before + "dump\n" + command + "\ndump\n", 2, {"--keep-going"});
+    std::vector<Json> lines;
+    for (std::size_t at = 0; at < out.size(); at = out.find('\n', at) + 1) {
+        lines.push_back(Json::parse(out.substr(at, out.find('\n', at) - at)));
+    }
+    EXPECT_GE(lines.size(), 3u);
+    Json const& refused = lines[lines.size() - 2];
+    EXPECT_EQ(lines[lines.size() - 3].at("state"), lines.back().at("state"));
+    for (std::size_t at = 0; at + 2 < lines.size(); ++at) {
+        EXPECT_TRUE(lines[at].contains("ok") || lines[at].contains("log")) << lines[at];
+    }
+    return refused.value("error", "no error");
 }
 
 } // namespace VpAgentTest

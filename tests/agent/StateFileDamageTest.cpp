@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <fstream>
 #include <random>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -250,6 +251,23 @@ protected:
         writeBytes(log_, log);
     }
 
+    /// How many commits stand in the front of the log, by the ends of transactions in its frames.
+    /// The first transaction is that of the beginning.
+    std::size_t commitsIn(std::string_view log) const {
+        auto const number = [&](std::size_t at) {
+            auto const byte = [&](std::size_t each) {
+                return static_cast<std::size_t>(static_cast<unsigned char>(log[at + each]));
+            };
+            return byte(0) << 24 | byte(1) << 16 | byte(2) << 8 | byte(3);
+        };
+        std::size_t const frame = 24 + number(8);
+        std::size_t ends = 0;
+        for (std::size_t at = 32; at + frame <= log.size(); at += frame) {
+            ends += number(at + 4) != 0 ? 1u : 0u;
+        }
+        return ends == 0 ? 0 : ends - 1;
+    }
+
     /// How many commits are not in a content.
     std::size_t lost(std::string const& content) const {
         auto const found = std::find(contents_.begin(), contents_.end(), content);
@@ -293,14 +311,61 @@ TEST_F(DamagedLog, AFlippedBitIsRefusedUnlessItLooksLikeACrash) {
     EXPECT_GT(refused, 90);
 }
 
+/// Whatever is cut off, what is left of a log are the commits that stand in it as a whole.
 TEST_F(DamagedLog, ALogThatWasCutOffHoldsWholeCommits) {
-    for (std::size_t size = goodLog_.size(); size > 10000; size -= 7777) {
-        restore(std::string_view(goodLog_).substr(0, size));
+    ASSERT_EQ(commitsIn(goodLog_), commits);
+    std::set<std::size_t> counts;
+    for (std::size_t size = goodLog_.size(); size > 5000;
+         size -= std::min<std::size_t>(size, 3001)) {
+        std::string_view const log = std::string_view(goodLog_).substr(0, size);
+        restore(log);
         SCOPED_TRACE(size);
         Opened const opened = openedFile(path_);
         EXPECT_EQ(opened.refusal, "");
-        EXPECT_LE(lost(opened.content), commits);
+        EXPECT_EQ(commits - lost(opened.content), commitsIn(log));
+        counts.insert(commitsIn(log));
     }
+    EXPECT_EQ(counts.size(), commits + 1);
+}
+
+TEST_F(DamagedLog, AMissingOrEmptyLogIsRefused) {
+    fs::remove(log_);
+    expectRefused("its log beside the file is missing or empty");
+    constexpr std::size_t wholeFrame = 32 + 24 + 4096;
+    for (std::size_t const size :
+         {std::size_t{0}, std::size_t{1}, std::size_t{32}, wholeFrame - 1}) {
+        std::string const log = goodLog_.substr(0, size);
+        restore(log);
+        SCOPED_TRACE(size);
+        EXPECT_THAT(openedFile(path_).refusal,
+                    HasSubstr("its log beside the file is missing or empty"));
+        EXPECT_EQ(bytesOf(path_), goodFile_);
+        EXPECT_EQ(bytesOf(log_), log);
+        EXPECT_EQ(names(), "state state-wal");
+    }
+    restore(std::string(4096, '\0'));
+    EXPECT_THAT(openedFile(path_).refusal,
+                HasSubstr("its log beside the file is missing or empty"));
+    restore(std::string_view(goodLog_).substr(0, wholeFrame));
+    EXPECT_EQ(lost(openedFile(path_).content), std::size_t{commits});
+}
+
+TEST_F(DamagedLog, IsNotNeededOnceAnotherToolBroughtItIntoTheFile) {
+    sql("SELECT count(*) FROM client");
+    EXPECT_EQ(names(), "state");
+    EXPECT_EQ(lost(openedFile(path_).content), 0u);
+}
+
+TEST_F(DamagedLog, IsNotNeededByACopyMadeBySqlite) {
+    fs::path const copy = folder_.path() / "copy";
+    sql(("VACUUM INTO '" + copy.string() + "'").c_str());
+    EXPECT_EQ(lost(openedFile(copy).content), 0u);
+}
+
+TEST_F(DamagedLog, IsNotNeededWhenTheNextRunEndedByItself) {
+    EXPECT_EQ(lost(openedFile(path_).content), 0u);
+    EXPECT_EQ(names(), "state");
+    EXPECT_EQ(lost(openedFile(path_).content), 0u);
 }
 
 } // namespace

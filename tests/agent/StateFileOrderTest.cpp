@@ -93,7 +93,7 @@ private:
         unsigned const order = below(kindCount);
         forEachKind([&](auto kind) {
             using Kind = decltype(kind);
-            if (Kind::order != order) {
+            if (VornicCentral::kindOrder<Kind> != order) {
                 return;
             }
             auto const key = keyOf(kind);

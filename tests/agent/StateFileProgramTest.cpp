@@ -76,8 +76,13 @@ TEST_F(StateOption, NamesTheFileThatIsRefused) {
     std::string const script = folder_.write("script.vp", "client add a\n");
     for (auto const& [file, why] : std::vector<std::pair<std::string, std::string>>{
              {script, "it is not an SQLite database, expected one that vpagent made"},
-             {folder_.path().string(), "it is not a regular file, expected one, or none yet"},
-             {"", "it is not a regular file, expected one, or none yet"},
+             {folder_.path().string(), "it is a folder, expected a file, or none yet"},
+             {folder_.path().string() + "/", "it is a folder, expected a file, or none yet"},
+             {path() + "/", "a name is missing at its end, expected the name of a file"},
+             {script + "/", "a name is missing at its end, expected the name of a file"},
+             {"", "a name is missing at its end, expected the name of a file"},
+             {script + "/state", "no file can be made in its folder (Not a directory), "
+                                 "expected a folder that may be written"},
              {"/dev/null", "it is not a regular file, expected one, or none yet"},
              {"/nonexistent/state",
               "no file can be made in its folder (No such file or directory), "
@@ -88,6 +93,40 @@ TEST_F(StateOption, NamesTheFileThatIsRefused) {
         EXPECT_EQ(outcome.err,
                   "vpagent: cannot use the state file \"" + file + "\": " + why + "\n");
     }
+}
+
+TEST_F(StateOption, IsNoScript) {
+    run("client add a\n");
+    for (std::string const& script : {path(), path() + "-wal"}) {
+        Outcome const outcome = runVpagent({"--state", path(), script}, "");
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.err, "vpagent: cannot read \"" + script +
+                                   "\" (it belongs to the state file in use), expected a readable "
+                                   "script\n");
+    }
+}
+
+TEST_F(StateOption, LeavesAFileOfTheJournalsNameAlone) {
+    std::string const refusal =
+        "vpagent: cannot use the state file \"" + path() +
+        "\": \"state-journal\" beside it does not belong to it and would be "
+        "lost, expected no such file\n";
+    std::string const journal = folder_.write("state-journal", "the notes of a day\n");
+    auto const expectRefused = [&] {
+        EXPECT_EQ(runVpagent({"--state", path()}, "").err, refusal);
+        EXPECT_EQ(std::filesystem::file_size(journal), 19u);
+    };
+    expectRefused();
+    EXPECT_FALSE(std::filesystem::exists(path()));
+    folder_.write("state", "");
+    expectRefused();
+    std::filesystem::remove(path());
+    std::filesystem::remove(journal);
+    run("client add a\n");
+    folder_.write("state-journal", "the notes of a day\n");
+    expectRefused();
+    folder_.write("state-journal", ""); // as a run may leave it that was cut off
+    EXPECT_THAT(run("dump\n"), HasSubstr("\"a\": "));
 }
 
 TEST_F(StateOption, FollowsALinkToItsFile) {

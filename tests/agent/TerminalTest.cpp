@@ -22,6 +22,7 @@ protected:
     Terminal() : process_(::forkpty(&terminal_, nullptr, nullptr, nullptr)) {
         if (process_ == 0) {
             ::setenv("TERM", "dumb", 1);
+            ::setenv("LC_ALL", "C", 1); // the locale that knows least
             ::execl(VPAGENT_PROGRAM, VPAGENT_PROGRAM, nullptr);
             ::_exit(127);
         }
@@ -29,7 +30,7 @@ protected:
 
     ~Terminal() override { ::close(terminal_); }
 
-    /// Waits, for at most 20 seconds, until the terminal shows `text`; what it showed up to there
+    /// Waits, for at most a minute, until the terminal shows `text`; what it showed up to there
     /// is then done with.
     bool shows(std::string_view text) {
         for (;;) {
@@ -63,8 +64,21 @@ protected:
         ASSERT_EQ(::write(terminal_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
     }
 
-    /// The status that the program ends with; -1 when it has not ended after 20 seconds.
+    /// The status that the program ends with; -1 when it has not ended after a minute.
     int exitStatus() const {
+        int const status = ending();
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    /// The signal that ends the program; -1 when none has after a minute.
+    int endingSignal() const {
+        int const status = ending();
+        return WIFSIGNALED(status) ? WTERMSIG(status) : -1;
+    }
+
+private:
+    /// How the program ended, as `waitpid` tells it; -1 when it has not after a minute.
+    int ending() const {
         int status = 0;
         for (int waited = 0; ::waitpid(process_, &status, WNOHANG) == 0; ++waited) {
             if (waited == patience) {
@@ -73,11 +87,10 @@ protected:
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return status;
     }
 
-private:
-    static constexpr int patience = 20000; ///< milliseconds
+    static constexpr int patience = 60000; ///< milliseconds
 
     bool isCooked() const {
         termios settings{};
@@ -112,6 +125,81 @@ TEST_F(Terminal, GoesOnAfterAnError) {
     ASSERT_TRUE(shows("vpagent> "));
     type("\x04");
     EXPECT_EQ(exitStatus(), 2);
+}
+
+TEST_F(Terminal, SaysWhenAMulticastCommandChangesNothing) {
+    ASSERT_TRUE(shows("vpagent> "));
+    type("mcast create\n");
+    ASSERT_TRUE(shows("vpagent> "));
+    type("mcast higig 1 Et1\n");
+    ASSERT_TRUE(shows("\nl3/mcast/higig/hwStatus: 258 higigIntfs[1]: none -> [Et1]\r\nvpagent> "));
+    type("mcast higig 1 Et1\n");
+    ASSERT_TRUE(shows("\nnothing changed\r\nvpagent> "));
+    type("quit\n");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(Terminal, TakesUtf8) {
+    ASSERT_TRUE(shows("vpagent> "));
+    type("client add Z\xC3\xBCrich\n");
+    ASSERT_TRUE(shows("vpagent> "));
+    type("echo Z\xC3\xBCrich\n");
+    ASSERT_TRUE(shows("\nZ\xC3\xBCrich"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("show clients Z\t\n");
+    ASSERT_TRUE(shows("\nREQUESTS OF CLIENT Z\xC3\xBCrich"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("request Z\xC3\xBCrich vl\t7\n"); // characters, not bytes, before what is completed
+    ASSERT_TRUE(shows("\nvlan 7: requested"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("client add Z\xC3\xB6\n"); // the names differ within a character
+    ASSERT_TRUE(shows("vpagent> "));
+    type("show clients Z\t\xC3\xB6\n");
+    ASSERT_TRUE(shows("\nREQUESTS OF CLIENT Z\xC3\xB6\r"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("quit\n");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(Terminal, CompletesWithinQuotes) {
+    ASSERT_TRUE(shows("vpagent> "));
+    type("client add \"a b c\"\n");
+    ASSERT_TRUE(shows("vpagent> "));
+    type("show clients \"a\t\n");
+    ASSERT_TRUE(shows("\nREQUESTS OF CLIENT a b c\r"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("show clients \"a b\t\n");
+    ASSERT_TRUE(shows("\nREQUESTS OF CLIENT a b c\r"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("echo \"a b\" c\n");
+    ASSERT_TRUE(shows("\na b c\r"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("start reallocation=of\t\n"); // behind a character that ends words elsewhere
+    ASSERT_TRUE(shows("running: 8 indices"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("quit\n");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(Terminal, DropsTheLineAtAnInterrupt) {
+    ASSERT_TRUE(shows("vpagent> "));
+    type("client add a\n");
+    ASSERT_TRUE(shows("vpagent> "));
+    type("client add b\x03");
+    ASSERT_TRUE(shows("^C\r\nvpagent> "));
+    type("\x03");
+    ASSERT_TRUE(shows("^C\r\nvpagent> "));
+    type("show clients \t\n"); // the database is there, and one client in it
+    ASSERT_TRUE(shows("\nREQUESTS OF CLIENT a\r"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("quit\n");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(Terminal, LetsTheOtherKeysForSignalsSendThem) {
+    ASSERT_TRUE(shows("vpagent> "));
+    type("echo one\x1C");
+    EXPECT_EQ(endingSignal(), SIGQUIT);
 }
 
 TEST_F(Terminal, RemembersWhatWasTyped) {

@@ -70,6 +70,18 @@ TEST(Vport, TakesVlansFrom1To4094) {
     EXPECT_EQ(refusalOf("edge a:b:4095"), (Marked{"4095", std::get<1>(range)}));
 }
 
+TEST(Vport, SaysTheRangeOfCommandsForEveryBadVlan) {
+    for (char const* const line :
+         {"vlan 70000", "vlan 65536", "vlan 01", "vlan -1", "vlan x", "vlan 1x", "vlan \"\"",
+          "edge E:x", "edge a:b", "edge Et1:70000", "edge Et1:", "edge a:b:01"}) {
+        EXPECT_EQ(std::get<1>(refusalOf(line)), "a VLAN from 1 to 4094") << line;
+    }
+    EXPECT_EQ(refusalOf("edge a:b"), (Marked{"b", "a VLAN from 1 to 4094"}));
+    EXPECT_EQ(refusalOf("edge Et1"), (Marked{"Et1", "':' and a VLAN"}));
+    EXPECT_EQ(std::get<1>(refusalOf("edge :x")), "an interface name");
+    EXPECT_EQ(std::get<1>(refusalOf("remote 10.0.0.2@x")), "a number from 0 to 4294967295");
+}
+
 TEST(Vport, RefusesWhatIsNoKey) {
     for (char const* const line : {"vlan 65536",
                                    "vlan +1",

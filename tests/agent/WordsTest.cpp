@@ -53,6 +53,16 @@ TEST(Words, InQuotesHoldBlanksQuotesAndBackslashes) {
               (Texts{"echo", "a b", "", "\"", "\\", "x\\\"y"}));
 }
 
+TEST(Words, TheLastBeginsBehindABlankThatStandsInNoQuotes) {
+    for (auto const& [line, at] :
+         {std::pair("", 0u), std::pair("show", 0u), std::pair("show ", 5u), std::pair("a \tb", 3u),
+          std::pair("show \"a b", 5u), std::pair("show \"a b\" c", 11u),
+          std::pair(R"(show "a \" b)", 5u), std::pair(R"(show "a \\" b)", 12u),
+          std::pair("a\"b c", 4u), std::pair("\"\" x", 3u)}) {
+        EXPECT_EQ(lastWordAt(line), at) << line;
+    }
+}
+
 TEST(Words, KeepABackslashOutsideQuotes) {
     EXPECT_EQ(wordsOf(R"(a\b \)"), (Texts{R"(a\b)", R"(\)"}));
 }

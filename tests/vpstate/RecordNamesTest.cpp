@@ -3,7 +3,6 @@
 #include "RecordCases.h"
 #include "qor/Inspection.h"
 
-#include <sstream>
 #include <string>
 #include <utility>
 
@@ -129,46 +128,6 @@ TYPED_TEST(RecordAccessors, EachNameGivesItsOwnCollection) {
     EXPECT_EQ(named.edgeVport().lookupNode(this->port)->value(), this->one);
     EXPECT_EQ(named.vlanVport().lookupNode(this->vlan)->value(), this->two);
     EXPECT_EQ(named.eFilterDisableVport().lookupNode(this->intf)->value(), this->one);
-}
-
-/// The table of a record whose collections have values of that type.
-std::string tableText(std::string const& record, std::string const& value,
-                      std::string const& further = "") {
-    return "VornicCentral::" + record + "(name: Pelo::String)\n" +
-           "  154  nameString: Pelo::String (read-only)\n"
-           "  258  remoteVport[remoteVtepKey: VornicCentral::RemoteVtepKey]: " +
-           value +
-           "\n"
-           "  259  mlagRemoteVport[remoteVtepKey: VornicCentral::RemoteVtepKey]: " +
-           value +
-           "\n"
-           "  260  edgeVport[pvKey: VornicCentral::PortVlanKey]: " +
-           value +
-           "\n"
-           "  261  vlanVport[vlan: Bridging::VlanId]: " +
-           value +
-           "\n"
-           "  262  eFilterDisableVport[intf: Netzo::IntfId]: " +
-           value + "\n" + further;
-}
-
-template <class R> std::string tableOf() {
-    std::ostringstream out;
-    out << *Pelo::newNode<R>("record")->typeData();
-    return std::move(out).str();
-}
-
-TEST(RecordTables, SayNumberNameAndTypeOfEveryField) {
-    EXPECT_EQ(tableOf<VpIndexConfig>(), tableText("VpIndexConfig", "bool"));
-    EXPECT_EQ(tableOf<VpIndexStatus>(),
-              tableText("VpIndexStatus", "VornicCentral::VirtualPort",
-                        "  263  vpAllocRequests: U32\n  264  vpAllocFailures: U32\n"
-                        "  265  vpFreeRequests: U32\n  266  vpTableSize: U32\n"));
-    EXPECT_EQ(tableOf<VpReferenceList>(),
-              tableText("VpReferenceList", "VornicCentral::VpReference"));
-    EXPECT_EQ(tableOf<VpInvalidReferenceList>(), tableText("VpInvalidReferenceList", "bool"));
-    EXPECT_EQ(tableOf<VxlanBootStatus>(),
-              tableText("VxlanBootStatus", "VornicCentral::VirtualPort"));
 }
 
 TEST(RecordTables, SetTheCountersOfAStatus) {

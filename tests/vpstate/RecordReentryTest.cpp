@@ -76,6 +76,34 @@ TYPED_TEST(RecordReentry, AHandlerMayDeleteOthersWhileTheCollectionIsEmptied) {
     EXPECT_EQ(changes.take(), (Notes{"a gone {b=1 c=1}", "b gone {c=1}", "c gone {}"}));
 }
 
+TYPED_TEST(RecordReentry, EmptyingEndsAlsoWhenAHandlerPutsEachKeyBack) {
+    using Told = typename TestFixture::Changes;
+    this->fill();
+    int patience = 10; // so that the test ends whatever happens
+    Told changes(*this, [&](Told&) {
+        for (auto const& key : {this->a, this->b, this->c}) {
+            if (!this->collection().has(key) && patience-- > 0) {
+                this->is(key, this->two);
+            }
+        }
+    });
+    this->delAll();
+    EXPECT_EQ(changes.take(), (Notes{"a gone {b=1 c=1}", "a=2 {b=1 c=1 a=2}", //
+                                     "b gone {c=1 a=2}", "b=2 {c=1 a=2 b=2}", //
+                                     "c gone {a=2 b=2}", "c=2 {a=2 b=2 c=2}"}));
+}
+
+TYPED_TEST(RecordReentry, EmptyingRemovesNoMoreThanThereWasWhenAHandlerAddsKeys) {
+    using Told = typename TestFixture::Changes;
+    this->is(this->a, this->one);
+    Told changes(*this, once<Told>([&](Told&) {
+        this->is(this->b, this->one);
+        this->is(this->c, this->one);
+    }));
+    this->delAll();
+    EXPECT_EQ(changes.take(), (Notes{"a gone {}", "b=1 {b=1}", "c=1 {b=1 c=1}"}));
+}
+
 TYPED_TEST(RecordReentry, AHandlerMayUnsubscribeItself) {
     using Told = typename TestFixture::Changes;
     Told leaves(*this, [](Told& self) { self.leave(); });

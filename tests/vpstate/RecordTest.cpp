@@ -22,7 +22,7 @@ protected:
     /// kind.
     std::vector<U32> countsWith(U32 count, U32 others) const {
         std::vector<U32> all(kindCount, others);
-        all[C::Kind::order] = count;
+        all[VornicCentral::kindOrder<typename C::Kind>] = count;
         return all;
     }
 };

@@ -66,6 +66,20 @@ TEST(VpReference, IsEqualWithTheSameVirtualPortAndTheSameNamesInAnyOrder) {
     EXPECT_NE(one, other);
 }
 
+TEST(VpReference, EqualReferencesHaveEqualHashesInAnyOrderOfNames) {
+    VpReference one(VirtualPort(12));
+    VpReference other(VirtualPort(12));
+    EXPECT_EQ(one.hash(), other.hash());
+    one.referenceIs("bgp", true);
+    EXPECT_NE(one.hash(), other.hash());
+    one.referenceIs("mlag", true);
+    other.referenceIs("mlag", true);
+    other.referenceIs("bgp", true);
+    EXPECT_EQ(one.hash(), other.hash());
+    other.vPortIs(VirtualPort(13));
+    EXPECT_NE(one.hash(), other.hash());
+}
+
 TEST(VpReference, ACopyIsChangedForItself) {
     VpReference one(VirtualPort(12));
     one.referenceIs("bgp", true);

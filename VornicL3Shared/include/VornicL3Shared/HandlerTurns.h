@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <functional>
+#include <type_traits>
 #include <utility>
 
 namespace VornicCentral {
@@ -11,17 +12,22 @@ namespace VornicCentral {
 /// A handler writes several records, and a subscriber of one of them may change a config within
 /// that write. The reactor of the config then finds a handler running that has written only some of
 /// its records: it leaves the change here, and the change is handled as soon as the running handler
-/// is done. So every handler finds records that agree.
+/// is done. What needs records that agree with the configs, as the release of an index does, is
+/// left until no change is left. So every handler finds records that agree.
 ///
 /// Cost: the test of one flag, unless something is left. Not thread-safe.
 class HandlerTurns {
 public:
     /// Whether a handler is running.
     bool running() const noexcept { return running_; }
+    /// Whether a handler is running and something waits until it is done.
+    bool somethingLeft() const noexcept {
+        return running_ && !(left_.empty() && releases_.empty());
+    }
 
-    /// Runs a handler, and then what was left meanwhile, in the order in which it came. Within a
-    /// handler, another one is run at once, as a part of it. After a handler that throws, the rest
-    /// stays for the next turn.
+    /// Runs a handler, and then what was left meanwhile: changes in the order in which they came,
+    /// and, when there are none, releases in theirs. Within a handler, another one is run at once,
+    /// as a part of it. After a handler that throws, the rest stays for the next turn.
     template <class Handler> void run(Handler const& handler) {
         if (running_) {
             handler();
@@ -29,15 +35,23 @@ public:
         }
         Turn const turn(running_);
         handler();
-        while (!left_.empty()) {
-            auto const next = std::move(left_.front());
-            left_.pop_front();
-            next();
+        while (runNext(left_) || runNext(releases_)) {
         }
     }
 
-    /// Leaves a handler to whoever is running; it keeps alive what it needs.
-    void leave(std::function<void()> handler) { left_.push_back(std::move(handler)); }
+    /// Leaves a change of `owner`, or a release, to whoever is running; the handler keeps alive
+    /// what it needs. Like a reactor it must not throw: whoever runs it did not ask for it.
+    template <class Handler> void leave(void const* owner, Handler handler) {
+        push(left_, owner, std::move(handler));
+    }
+    template <class Handler> void leaveRelease(Handler handler) {
+        push(releases_, nullptr, std::move(handler));
+    }
+
+    /// Drops what an owner has left, because its construction failed.
+    void forget(void const* owner) noexcept {
+        std::erase_if(left_, [owner](Left const& left) { return left.owner == owner; });
+    }
 
 private:
     class Turn {
@@ -51,8 +65,31 @@ private:
         bool& running_;
     };
 
+    struct Left {
+        void const* owner;
+        std::function<void()> handler;
+    };
+    using Queue = std::deque<Left>;
+
+    template <class Handler> static void push(Queue& queue, void const* owner, Handler handler) {
+        static_assert(std::is_nothrow_invocable_v<Handler&>);
+        queue.push_back({owner, std::move(handler)});
+    }
+
+    /// Runs the first of a queue; false when there is none.
+    static bool runNext(Queue& queue) {
+        if (queue.empty()) {
+            return false;
+        }
+        auto const next = std::move(queue.front().handler);
+        queue.pop_front();
+        next();
+        return true;
+    }
+
     bool running_ = false;
-    std::deque<std::function<void()>> left_;
+    Queue left_;
+    Queue releases_;
 };
 
 } // namespace VornicCentral

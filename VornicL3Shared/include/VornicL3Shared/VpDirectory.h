@@ -57,13 +57,16 @@ protected:
         return *std::move(removed);
     }
 
-    /// Removes every entry: in one step when nobody subscribes, else one by one, each published.
+    /// Removes every entry: in one step when nobody subscribes, else one by one, each published. No
+    /// more entries are removed than there were at first, so it ends whatever the subscribers do;
+    /// what they insert meanwhile may be left.
     void entryDelAll() {
         if (!hasSubscribers()) {
             entries_.memberDelAll();
             return;
         }
-        for (typename Entries::Iterator it(entries_); it; it.advance()) {
+        U32 left = entries_.memberCount();
+        for (typename Entries::Iterator it(entries_); it && left-- != 0; it.advance()) {
             entryDel(it.key());
         }
     }

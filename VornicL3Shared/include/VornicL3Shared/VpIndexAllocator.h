@@ -32,8 +32,11 @@ class VpIndexAllocatorDirSm;
 /// handler at a time: see the state machine.
 class VpIndexAllocator final : public Pelo::Node, public Pelo::SlabAllocated<VpIndexAllocator> {
 public:
-    /// `vpIndexAllocatorDirSm` is borrowed and must outlive the allocator's reactors; the records
-    /// are shared. `config` may be null: the allocator then has an empty name and nothing to serve.
+    /// `vpIndexAllocatorDirSm` is borrowed and must outlive the allocator's reactors; it must not
+    /// be null. The records are shared. The config may be null: the allocator then has an empty
+    /// name and nothing to serve. Status and reference list may be null as long as nothing is
+    /// requested; a request then throws the null-pointer-argument exception, and the allocator is
+    /// undone. Cost: one handler a requested key.
     VpIndexAllocator(VpIndexAllocatorDirSm* vpIndexAllocatorDirSm,
                      Pelo::Ptr<VpIndexConfig const> const& vpIndexConfig,
                      Pelo::Ptr<VpIndexStatus> const& vpIndexStatus,
@@ -60,6 +63,9 @@ public:
     void handleInitialized();
 
     /// Brings one key in line with the config, whether it was added, requested again or withdrawn.
+    /// A key that is not requested any more gives its reference back, also one that was recovered
+    /// and names nobody. For the reactor and the owner: a subscriber that calls one within the
+    /// write of another handler finds records that do not agree yet.
     void handleRemoteVport(RemoteVtepKey const& key);
     void handleMlagRemoteVport(RemoteVtepKey const& key);
     void handleEdgeVport(PortVlanKey const& pvKey);
@@ -75,7 +81,8 @@ public:
     void handleEFilterDisableVport();
 
     /// The two remote kinds of one key have nothing to do with each other: each of these looks only
-    /// into the collections of the kind that `mlag` selects.
+    /// into the collections of the kind that `mlag` selects. They need the record that they read or
+    /// write; without a config nothing is requested.
     void handleRemoteVportCommon(RemoteVtepKey const& key, bool mlag);
     VpReference getRemoteVportRef(RemoteVtepKey const& key, bool mlag) const;
     bool remoteVportInVpReference(RemoteVtepKey const& key, bool mlag) const;
@@ -108,11 +115,12 @@ public:
                                       Pelo::FieldId field, void const* key,
                                       void const* value) noexcept;
 
-    /// Switches the reactor on or off; nothing happens when it already is.
+    /// Switches the reactor on or off.
     void hasNotificationActiveIs(bool active);
     /// Makes the reactor ignore, or heed, notifications; nothing happens when it already does.
     void qorDoZombieReactors(bool zombie) noexcept;
 
+    static Qor::TypeData const& typeTable();
     Qor::TypeData const* typeData() const override;
 
 private:
@@ -128,6 +136,8 @@ private:
     VpReference readReference(typename Kind::Key const& key, bool& held) const;
     template <class Kind> void writeStatus(typename Kind::Key const& key, VirtualPort const& vPort);
     template <class Kind> void verifyKind() const;
+    template <class Kind> void verifyConfig() const;
+    template <class Kind> void verifyStatus() const;
 
     template <class Argument>
     void react(void const* key, void (VpIndexAllocator::*handler)(Argument));

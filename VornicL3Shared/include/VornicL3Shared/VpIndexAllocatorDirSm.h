@@ -30,8 +30,10 @@ namespace VornicCentral {
 /// pointer to the state machine, which then lives until its reactor returns.
 ///
 /// What stops the process: a client with a config and no status; an index that is marked twice; a
-/// table that is neither full nor has a free entry; the checks of `verify`; and any exception that
-/// leaves a reactor.
+/// table that is neither full nor has a free entry; an index that is handed to a client and is the
+/// system's or above the size that the client's status knows; a waiting key whose reference names a
+/// client without config, status or request; the checks of `verify`; and any exception that leaves
+/// a reactor.
 class VpIndexAllocatorDirSm final : public Pelo::Node,
                                     public Pelo::SlabAllocated<VpIndexAllocatorDirSm> {
 public:
@@ -40,7 +42,11 @@ public:
     /// The number of reserved indices, the lowest of the table.
     static constexpr U32 maxSystemSourceVp_ = 8;
 
-    /// Every pointer may be null; what is null is neither watched nor read. `vpTableSize` is in
+    /// Every pointer may be null; what is null is neither watched nor read. Three are missed: the
+    /// boot status when the reference list has no remote, no edge and no VLAN entry, and the
+    /// reference list when a client requests a key (the null-pointer-argument exception, after
+    /// which nothing is left of the state machine; within a notification it ends the process), and
+    /// the status directory when a client has a config (the process stops). `vpTableSize` is in
     /// entries and at most 65535: in a larger table the index 65535, which means "no index", would
     /// be handed out, which callers must not let happen. With `vpReallocationEnabled`, keys that
     /// find the table full wait for an index that is released.
@@ -83,8 +89,8 @@ public:
     bool initialized() const noexcept { return initialized_; }
 
     /// The start-up sequence. The constructor runs it; calling it again starts from an empty pool
-    /// only if the pool was deleted before, and otherwise stops the process at the first reserved
-    /// index.
+    /// only if the pool was deleted or replaced before, and otherwise stops the process at the
+    /// first reserved index.
     void handleInitialized();
 
     // The pool of VP indices. None of these may be called while there is no pool.
@@ -127,6 +133,8 @@ public:
                        Pelo::Ptr<VpReferenceList> const& vpReference, bool vfiForwarding);
     /// Removes one allocator and returns it (null when there was none), or removes all. For the
     /// owner: the state machine itself never does, and the statuses and indices of the name stay.
+    /// Whoever keeps one that was removed must switch its reactor off: it goes on serving its
+    /// config, and must not do so when the state machine is gone.
     Pelo::Ptr<VpIndexAllocator> vpIndexAllocatorDel(Pelo::String const& name);
     void vpIndexAllocatorDelAll();
 
@@ -159,25 +167,38 @@ public:
     /// With reallocation disabled, or before start-up has finished, the index is freed first, and
     /// handed over all the same when a key waits: whoever calls it then must know that. The waiting
     /// entry of the key that takes the index is not removed here but by the handler that the change
-    /// of its reference wakes. Bits of `vpIndex` above the sixteenth are cut off. Cost:
-    /// proportional to the waiting keys that have to be passed over. A client that is named by the
-    /// key's reference but has no config, no status or no such request stops the process.
+    /// of its reference wakes. Bits of `vpIndex` above the sixteenth are cut off. Called while
+    /// changes of configs or other releases wait for their turn, it waits until they are done;
+    /// until then the index counts as used. Cost: proportional to the waiting keys that have to be
+    /// passed over and to the clients of the key that takes the index. A client that is named by
+    /// the key's reference but has no config, no status or no such request stops the process, and
+    /// so does a subscriber of one client's status that withdraws the key for another client while
+    /// the index is handed over.
     void recycleOrFreeVpIndex(U32 vpIndex);
 
     // Restart, clean-up, verification.
 
     /// Recovers the pool from the reference list, and from the boot status when the reference list
     /// has no remote, no edge and no VLAN entry (the two other kinds do not count); every reference
-    /// is left without clients, who enter themselves again; statuses that no config backs are
-    /// removed. Part of start-up. An index that two entries hold, or a boot entry with index 0,
-    /// stops the process; boot entries with the indices 1 to 7 are dropped.
+    /// is left without clients, who enter themselves again; entries of statuses that the config of
+    /// the same name does not back are removed. An index that two entries hold stops the process,
+    /// and so does a reference with an index below 8 or a boot entry with index 0; boot entries
+    /// with the indices 1 to 7 are dropped. Cost: linear in the entries.
+    ///
+    /// Start-up runs it once, on a fresh pool and before the clients. A second call stops the
+    /// process at the first index that is in use, and takes the clients out of references that hold
+    /// none.
     void reconcile();
     /// Removes every reference that names no client and releases its index. For the owner to call
-    /// when the clients have come back after a restart; not part of start-up.
+    /// when the clients have come back after a restart; not part of start-up. Called within a
+    /// notification, it waits until the running handler is done. Cost: linear in the references;
+    /// with reallocation, each released index also passes over the waiting keys that name no
+    /// client.
     void clearStaleEntries();
     /// Checks every allocator and then the table: the first disagreement stops the process. Changes
     /// nothing; returns at once while start-up has not finished. Each reference counts as one set
-    /// bit of the pool, one that waits without an index too: so it fails while any key waits.
+    /// bit of the pool, one that waits without an index too: so it fails while any key waits. Not
+    /// for subscribers, who are called between the writes of a handler.
     void verify() const;
 
     /// The reactors of the config directory and of the reference list.
@@ -194,26 +215,35 @@ public:
     /// Makes the reactors ignore, or heed, notifications; nothing happens when they already do.
     void qorDoZombieReactors(bool zombie) noexcept;
 
+    static Qor::TypeData const& typeTable();
     Qor::TypeData const* typeData() const override;
 
 private:
+    /// A client's records; null when there is none, or no directory.
+    Pelo::Ptr<VpIndexConfig const> configOf(Pelo::String const& name) const;
+    Pelo::Ptr<VpIndexStatus> statusOf(Pelo::String const& name) const;
+
     friend class VpIndexAllocator; // whose handlers take their turns with the state machine's
 
     template <class Kind> void handleInvalidKey(typename Kind::Key const& key);
     template <class Kind> void handleInvalidAll();
+    void recycleOrFree(U32 vpIndex);
     template <class Kind> bool recycleTo(VirtualPort vp);
     template <class Kind>
     void handOver(typename Kind::Key const& key, VpReference& reference, VirtualPort vp);
     template <class Kind> void recoverReferences();
+    template <class Kind> void makeWait(typename Kind::Key const& key);
     template <class Kind> void recoverBootStatus();
     template <class Kind>
     void recoverBootEntry(typename Kind::Key const& key, VirtualPort bootVport);
     template <class Kind>
     void cleanUpStatus(Pelo::String const& name, VpIndexConfig const& config,
                        VpIndexStatus& status);
+    void clearAllKinds();
     template <class Kind> void clearStaleKind();
     template <class Kind> void verifyKind() const;
 
+    void switchAllocators(bool active);
     void subscribe(bool on);
     void releaseAll() noexcept;
     void recoverFromReferences();

@@ -26,6 +26,7 @@ public:
     Pelo::Ptr<VpIndexConfig> vpIndexConfigDel(Pelo::String const& name) { return entryDel(name); }
     void vpIndexConfigDelAll() { entryDelAll(); }
 
+    static Qor::TypeData const& typeTable();
     Qor::TypeData const* typeData() const override;
 };
 

@@ -26,6 +26,7 @@ public:
     Pelo::Ptr<VpIndexStatus> vpIndexStatusDel(Pelo::String const& name) { return entryDel(name); }
     void vpIndexStatusDelAll() { entryDelAll(); }
 
+    static Qor::TypeData const& typeTable();
     Qor::TypeData const* typeData() const override;
 };
 

@@ -90,6 +90,18 @@ TEST_F(AllocatorCollection, RefusesANullConfig) {
     EXPECT_EQ(world.sm->vpIndexAllocator().memberCount(), 0u);
 }
 
+TEST_F(AllocatorCollection, RefusesANullStateMachineForANewName) {
+    stateMachine = nullptr;
+    EXPECT_EQ(refusal<Qor::MutatorArgNullPointerException>(),
+              "VpIndexAllocatorIs.vpIndexAllocatorDirSm");
+    EXPECT_EQ(world.sm->vpIndexAllocator().memberCount(), 0u);
+    EXPECT_FALSE(config->publisher()->hasSubscribers());
+    EXPECT_EQ(config->useCount(), 1u);
+    stateMachine = world.sm.get();
+    auto const allocator = make();
+    EXPECT_EQ(world.sm->vpIndexAllocator("bgp"), allocator);
+}
+
 TEST_F(AllocatorCollection, RefusesTheFirstArgumentThatDiffersInTheirOrder) {
     auto const allocator = make();
     auto const vpIndexConfig = config;
@@ -164,6 +176,21 @@ TEST_F(AllocatorCollection, ARemovedAllocatorThatNobodyHoldsReactsNoMore) {
     EXPECT_FALSE(config->publisher()->hasSubscribers());
     EXPECT_EQ(config->useCount(), 1u);
     EXPECT_EQ(status->useCount(), 1u);
+}
+
+TEST_F(AllocatorCollection, ARemovedAllocatorThatSomebodyHoldsGoesOnUntilItIsSwitchedOff) {
+    world.client("bgp");
+    auto const held = world.sm->vpIndexAllocatorDel("bgp");
+    world.request("bgp", vlan(100));
+    held->hasNotificationActiveIs(false);
+    world.request("bgp", vlan(200));
+    EXPECT_FALSE(world.sm->vpIndexAllocatorHas("bgp"));
+    EXPECT_EQ(world.state(), "pool 16: 0-7 15\n"
+                             "config bgp: vlan{100 200}\n"
+                             "status bgp: vlan{100=15} requests=1 failures=0 frees=0 size=16\n"
+                             "references: vlan{100=15[bgp]}\n"
+                             "waiting:\n"
+                             "boot:\n");
 }
 
 TEST_F(AllocatorCollection, ARemovedAllocatorLeavesItsStatusAndItsIndices) {

@@ -123,12 +123,56 @@ TEST_F(Allocator, ThatCannotServeIsUndone) {
     EXPECT_EQ((std::vector<U32>{config->useCount(), world.references->useCount()}), before);
 }
 
+TEST_F(Allocator, ThatFailsWithinItsSweepLeavesNoChangeBehind) {
+    request(vlan(10));
+    auto const before = config->useCount();
+    ::Test::Listener const listener(
+        *status, [this](::Test::Notification const&) { request(vlan(20)); }); // left to the sweep
+    EXPECT_THROW(world.sm->vpIndexAllocatorIs(world.sm.get(), config, status, nullptr, false),
+                 Qor::MutatorArgNullPointerException);
+    EXPECT_EQ(subscribers(), 0u);
+    EXPECT_EQ(config->useCount(), before);
+    world.capture.forget();
+    world.client("evpn"); // the next turn
+    EXPECT_EQ(world.capture.traces(),
+              (Lines{"1 handleVpIndexConfig, Name evpn", "1 handleInitialized evpn",
+                     "1 handleRemoteVport", "1 handleMlagRemoteVport", "1 handleEdgeVport",
+                     "1 handleVlanVport", "1 handleEFilterDisableVport"}));
+    EXPECT_FALSE(serves(vlan(20)));
+}
+
+TEST_F(Allocator, IsRefusedWithoutAStateMachine) {
+    auto const before = VpIndexAllocator::allocationTracker().live();
+    auto const refusal = [this](auto const& make) -> std::string {
+        try {
+            make(nullptr, config, status, world.references, false);
+        } catch (Qor::MutatorArgNullPointerException const& thrown) {
+            return thrown.type() + "." + thrown.attribute();
+        }
+        return "not refused";
+    };
+    EXPECT_EQ(refusal(&VpIndexAllocator::VpIndexAllocatorIs),
+              "VpIndexAllocatorIs.vpIndexAllocatorDirSm");
+    EXPECT_EQ(refusal(&VornicCentral::vpIndexAllocatorFactory),
+              "VpIndexAllocatorIs.vpIndexAllocatorDirSm");
+    EXPECT_EQ(subscribers(), 0u);
+    EXPECT_EQ(VpIndexAllocator::allocationTracker().live(), before);
+}
+
 TEST_F(Allocator, SubscribesInItsConstructor) {
     auto const allocator = built();
     EXPECT_EQ(subscribers(), 1u);
     EXPECT_FALSE(allocator->nodeFlag(Pelo::NodeFlag::notificationActive));
     request(vlan(10));
     EXPECT_TRUE(serves(vlan(10)));
+}
+
+TEST_F(Allocator, FromItsConstructorAloneCanBeSwitchedOff) {
+    auto const allocator = built();
+    allocator->hasNotificationActiveIs(false);
+    EXPECT_EQ(subscribers(), 0u);
+    request(vlan(10));
+    EXPECT_FALSE(serves(vlan(10)));
 }
 
 TEST_F(Allocator, FromTheFactoryHasActiveNotifications) {

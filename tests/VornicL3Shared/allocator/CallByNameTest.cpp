@@ -1,6 +1,7 @@
 // The operations that the state machine and the allocators offer by name.
 
 #include "VornicL3Shared/support/World.h"
+#include "qor/Exceptions.h"
 #include "qor/Inspection.h"
 
 #include <gtest/gtest.h>
@@ -55,6 +56,34 @@ TEST_F(CallByName, ReachesEveryOperationOfTheStateMachine) {
     EXPECT_EQ(call("verify"), "");
     EXPECT_EQ(call("clearStaleEntries"), "");
     EXPECT_EQ(world.indexOf("bgp", vlan(100)), 15);
+}
+
+TEST_F(CallByName, ReachesTheMutatorsOfTheStateMachine) {
+    EXPECT_EQ(call("vpBitmapIs", {"0", "16", "clear"}), "Bask::Bitmap");
+    EXPECT_EQ(call("vpIndexAllocatorDel", {"bgp"}), "VornicCentral::VpIndexAllocator");
+    EXPECT_FALSE(world.sm->vpIndexAllocatorHas("bgp"));
+    EXPECT_EQ(call("vpIndexAllocatorDel", {"bgp"}), "null");
+    EXPECT_EQ(call("handleVpIndexConfig", {"bgp"}), "");
+    EXPECT_EQ(call("vpIndexAllocatorDelAll"), "");
+    EXPECT_EQ(world.sm->vpIndexAllocator().memberCount(), 0u);
+    EXPECT_EQ(call("vpBitmapDel"), "Bask::Bitmap");
+    EXPECT_EQ(world.sm->vpBitmap(), nullptr);
+}
+
+TEST_F(CallByName, RefusesMutatorsThatTheStateMachineDoesNotHave) {
+    std::string const none = call("nothing");
+    EXPECT_EQ(call("vpTableSizeIs", {"8"}), none);
+    EXPECT_EQ(call("vpBitmapDelAll"), none);
+    EXPECT_EQ(call("verifyIs"), none);
+    EXPECT_EQ(call("Is"), none);
+    EXPECT_EQ(call("vpBitmapIs", {"0", "16"}),
+              "expected argument initialBitState: Bask::HBitmap::BitState");
+    Qor::CallResult const constant =
+        Qor::callByName(std::as_const(*world.sm), "isDefaultVp", Texts{"1"});
+    EXPECT_EQ(outcome(constant), "true");
+    EXPECT_THROW(Qor::callByName(std::as_const(*world.sm), "vpBitmapDel", Texts{}),
+                 Qor::ConstEntityException);
+    EXPECT_NE(world.sm->vpBitmap(), nullptr);
 }
 
 TEST_F(CallByName, ReachesTheHandlersOfTheStateMachine) {

@@ -2,13 +2,14 @@
 
 #include "VornicL3Shared/support/Directories.h"
 #include "VornicL3Shared/support/Listener.h"
-#include "VornicL3Shared/support/Vports.h"
 #include "qor/Exceptions.h"
 #include "qor/Inspection.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -17,7 +18,6 @@ using Qor::OpCode;
 using Test::ConfigDirectory;
 using Test::Listener;
 using Test::StatusDirectory;
-using Test::textOf;
 
 struct SideName {
     template <class Side> static std::string GetName(int) { return Side::name; }
@@ -39,15 +39,6 @@ protected:
 };
 using Sides = testing::Types<ConfigDirectory, StatusDirectory>;
 TYPED_TEST_SUITE(DirectoryTable, Sides, SideName);
-
-TYPED_TEST(DirectoryTable, SaysNumberNameAndTypeOfEveryField) {
-    std::string const collection = TypeParam::collection;
-    std::string const record = collection == "vpIndexConfig" ? "VpIndexConfig" : "VpIndexStatus";
-    EXPECT_EQ(textOf(*this->dir->typeData()),
-              std::string("VornicCentral::") + TypeParam::name + "(name: Pelo::String)\n" +
-                  "  130  name: Pelo::String (read-only)\n" + "  131  " + collection +
-                  "[name: Pelo::String]: Pelo::Ptr<VornicCentral::" + record + ">\n");
-}
 
 TYPED_TEST(DirectoryTable, ReadsItsName) {
     EXPECT_EQ(Qor::inspectOperation(*this->dir, 130, OpCode::get).template as<Pelo::String>(),
@@ -80,6 +71,26 @@ TYPED_TEST(DirectoryTable, ChangesEntriesThroughTheMutators) {
     this->inspect(OpCode::set, {this->bgp, value});
     this->inspect(OpCode::delAll);
     EXPECT_EQ(TypeParam::entries(*this->dir).memberCount(), 0u);
+    EXPECT_EQ(listener.fields(), (std::vector<Pelo::FieldId>{131, 131})); // one set, one removal
+}
+
+TYPED_TEST(DirectoryTable, RefusesToChangeAConstantDirectory) {
+    TypeParam::is(*this->dir, "bgp", this->one);
+    Listener listener(*this->dir);
+    auto const& constant = std::as_const(*this->dir);
+    auto const onConstant = [&](OpCode code, std::vector<GenericValue> const& arguments) {
+        return Qor::inspectOperation(constant, 131, code, arguments);
+    };
+    GenericValue const none = GenericValue::of(typename TestFixture::RecordPtr());
+    EXPECT_THROW(onConstant(OpCode::set, {this->bgp, none}), Qor::ConstEntityException);
+    EXPECT_THROW(onConstant(OpCode::set, {this->mlag, GenericValue::of(this->one)}),
+                 Qor::ConstEntityException);
+    EXPECT_THROW(onConstant(OpCode::del, {this->bgp}), Qor::ConstEntityException);
+    EXPECT_THROW(onConstant(OpCode::delAll, {}), Qor::ConstEntityException);
+    EXPECT_THROW(Qor::collectionIterator(constant, 131).del(), Qor::ConstEntityException);
+    EXPECT_EQ(listener.fields(), std::vector<Pelo::FieldId>{});
+    EXPECT_EQ(onConstant(OpCode::count, {}).template as<U32>(), 1u);
+    EXPECT_TRUE(onConstant(OpCode::has, {this->bgp}).template as<bool>());
 }
 
 TYPED_TEST(DirectoryTable, WalksEntriesAndDeletesTheCurrentOne) {

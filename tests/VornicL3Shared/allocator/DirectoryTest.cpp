@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -81,6 +82,10 @@ TYPED_TEST(Directory, BelongsToItsCreatorAndIsCountedByItsType) {
     EXPECT_EQ(tracker.live(), before);
 }
 
+TYPED_TEST(Directory, BeginsWithRoomForOneEntry) {
+    EXPECT_GT(TypeParam::entries(*this->dir).storageSize(), 0u);
+}
+
 TYPED_TEST(Directory, FindsWhatWasSetUnderAName) {
     this->is("bgp", this->one);
     EXPECT_TRUE(TypeParam::has(*this->dir, "bgp"));
@@ -152,6 +157,21 @@ TYPED_TEST(Directory, EmptyingWithSubscribersIsToldOncePerName) {
               (Notes{"131 bgp gone {mlag host}", "131 mlag gone {host}", "131 host gone {}"}));
 }
 
+TYPED_TEST(Directory, EmptyingEndsAlsoWhenAHandlerPutsEachKeyBack) {
+    this->is("bgp", this->one);
+    this->is("mlag", this->one);
+    int patience = 10; // so that the test ends whatever happens
+    Listener const putsBack(*this->dir, [&](Notification const& told) {
+        if (told.value == nullptr && patience-- > 0) {
+            TypeParam::is(*this->dir, *static_cast<Pelo::String const*>(told.key), this->another);
+        }
+    });
+    this->take();
+    TypeParam::delAll(*this->dir);
+    EXPECT_EQ(this->take(), (Notes{"131 bgp gone {mlag}", "131 bgp set anew {mlag bgp}", //
+                                   "131 mlag gone {bgp}", "131 mlag set anew {bgp mlag}"}));
+}
+
 TYPED_TEST(Directory, EmptyingWithoutSubscribersIsToldNobody) {
     this->is("bgp", this->one);
     this->is("mlag", this->another);
@@ -201,15 +221,63 @@ TYPED_TEST(Directory, AHandlerMayChangeTheDirectoryAgain) {
     EXPECT_EQ(changes.fields(), (std::vector<Pelo::FieldId>{131, 131, 131}));
 }
 
-TYPED_TEST(Directory, AHandlerMayGiveBackTheLastUseOfTheDirectory) {
-    U64 const before = TypeParam::Dir::allocationTracker().live();
-    Listener gives(*this->dir, [&](Notification const&) { this->dir = nullptr; });
-    Listener notTold(*this->dir);
+TYPED_TEST(Directory, AHandlerMayDeleteOthersWhileTheDirectoryIsEmptied) {
     this->is("bgp", this->one);
-    EXPECT_EQ(this->take(), Notes{"131 bgp set {bgp}"});
-    EXPECT_EQ(notTold.fields(), std::vector<Pelo::FieldId>{});
-    EXPECT_EQ(TypeParam::Dir::allocationTracker().live(), before - 1);
-    EXPECT_EQ(this->one->useCount(), 1u);
+    this->is("mlag", this->another);
+    this->is("host", this->one);
+    this->is("evpn", this->one);
+    this->take();
+    Listener deletes(*this->dir, [&](Notification const& told) {
+        if (*static_cast<Pelo::String const*>(told.key) == "bgp") {
+            this->del("mlag"); // the one that would be next
+            this->del("evpn");
+        }
+    });
+    TypeParam::delAll(*this->dir);
+    EXPECT_EQ(this->take(), (Notes{"131 bgp gone {mlag host evpn}", "131 mlag gone {host evpn}",
+                                   "131 evpn gone {host}", "131 host gone {}"}));
+    EXPECT_EQ(deletes.fields(), (std::vector<Pelo::FieldId>{131, 131, 131, 131}));
+}
+
+/// A handler gives back the last use of the directory, and somebody subscribes after it.
+template <class S> class DirectoryGivenBack : public Directory<S> {
+protected:
+    DirectoryGivenBack() {
+        this->is("bgp", this->one);
+        this->is("mlag", this->another);
+        this->take();
+        gives.emplace(*this->dir, [this](Notification const&) { this->dir = nullptr; });
+        notTold.emplace(*this->dir);
+    }
+    /// The directory is gone, and its records with it; only those who subscribed before the handler
+    /// were told, and only once.
+    void expectGone(char const* note) {
+        EXPECT_EQ(this->take(), Notes{note});
+        EXPECT_EQ(notTold->fields(), std::vector<Pelo::FieldId>{});
+        EXPECT_EQ(S::Dir::allocationTracker().live(), before - 1);
+        EXPECT_EQ(this->one->useCount(), 1u);
+        EXPECT_EQ(this->another->useCount(), 1u);
+    }
+
+    U64 const before = S::Dir::allocationTracker().live();
+    std::optional<Listener> gives;
+    std::optional<Listener> notTold;
+};
+TYPED_TEST_SUITE(DirectoryGivenBack, Sides, SideName);
+
+TYPED_TEST(DirectoryGivenBack, WhileANameIsSet) {
+    this->is("host", this->one);
+    this->expectGone("131 host set {bgp mlag host}");
+}
+
+TYPED_TEST(DirectoryGivenBack, WhileANameIsDeleted) {
+    EXPECT_EQ(this->del("bgp"), this->one);
+    this->expectGone("131 bgp gone {mlag}");
+}
+
+TYPED_TEST(DirectoryGivenBack, WhileItIsEmptied) {
+    TypeParam::delAll(*this->dir);
+    this->expectGone("131 bgp gone {mlag}");
 }
 
 TYPED_TEST(Directory, AWalkMayDeleteTheNameUnderTheIterator) {

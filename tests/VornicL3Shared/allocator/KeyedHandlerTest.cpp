@@ -1,6 +1,7 @@
 // What a keyed handler does to records, counters and pool, the same for all five kinds.
 
 #include "VornicL3Shared/allocator/KindTest.h"
+#include "VornicL3Shared/support/References.h"
 
 namespace {
 
@@ -130,6 +131,21 @@ TYPED_TEST(KeyedHandler, ChangesNothingForAKeyThatNobodyHolds) {
         this->start({.reallocation = reallocation}, {"bgp"});
         this->handle("bgp", 1);
         EXPECT_EQ(this->state(), "pool 16: 0-7\n"
+                                 "config bgp:\n"
+                                 "status bgp: requests=0 failures=0 frees=0 size=16\n"
+                                 "references:\n"
+                                 "waiting:\n"
+                                 "boot:\n");
+    }
+}
+
+TYPED_TEST(KeyedHandler, WithdrawalOfAKeyWhoseRecoveredReferenceNamesNobody) {
+    for (bool const reallocation : {false, true}) {
+        this->world.references->template is<TypeParam>(Test::numbered<TypeParam>(1).key,
+                                                       Test::referenceOf(12, {}));
+        this->start({.reallocation = reallocation}, {"bgp"});
+        this->handle("bgp", 1);
+        EXPECT_EQ(this->state(), "pool 16: 0-7 12\n" // the client never held the index
                                  "config bgp:\n"
                                  "status bgp: requests=0 failures=0 frees=0 size=16\n"
                                  "references:\n"

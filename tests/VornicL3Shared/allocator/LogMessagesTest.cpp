@@ -153,6 +153,27 @@ TEST_F(FullMessage, IsLoggedForWhatAStartCannotServe) {
               (Lines{full("vxlan remote  vtep: 17"), full("vxlan vlan 1 svp")}));
 }
 
+/// One index, for which two keys of the client bgp take turns.
+TEST(NormalMessage, IsNeverHeldBack) {
+    World world({.tableSize = 9, .reallocation = true});
+    world.client("bgp");
+    world.start();
+    world.request("bgp", vlan(0));
+    Lines expected;
+    for (U16 number = 1; number <= 1000; ++number) {
+        std::string const vport = "virtual port for vxlan vlan " + std::to_string(number) + " svp";
+        world.request("bgp", vlan(number));
+        world.withdraw("bgp", vlan(static_cast<U16>(number - 1)));
+        expected.push_back("VORNIC_VIRTUALPORT_RESOURCE_FULL: Hardware resources are insufficient "
+                           "to add " +
+                           vport);
+        expected.push_back("VORNIC_VIRTUALPORT_RESOURCE_NORMAL: Hardware resources are available "
+                           "to add " +
+                           vport);
+    }
+    EXPECT_EQ(world.capture.logs(), expected);
+}
+
 TEST(NormalMessage, IsLoggedOnceWhenAWaitingKeyOfTwoClientsGetsAnIndex) {
     World world({.tableSize = 9, .reallocation = true});
     for (char const* const name : {"bgp", "evpn", "ospf"}) {
@@ -167,6 +188,39 @@ TEST(NormalMessage, IsLoggedOnceWhenAWaitingKeyOfTwoClientsGetsAnIndex) {
     EXPECT_EQ(world.capture.logs(),
               Lines{"VORNIC_VIRTUALPORT_RESOURCE_NORMAL: Hardware resources are available to add "
                     "virtual port for vxlan vlan 2 svp"});
+}
+
+/// What is logged when a waiting key takes the only index.
+template <class V> Lines logsOfTheHandOverTo(V const& vport) {
+    World world({.tableSize = 9, .reallocation = true});
+    world.client("bgp");
+    world.start();
+    world.request("bgp", vlan(1));
+    world.request("bgp", vport);
+    world.capture.forget();
+    world.withdraw("bgp", vlan(1));
+    return world.capture.logs();
+}
+Lines normal(std::string const& vport) {
+    return {"VORNIC_VIRTUALPORT_RESOURCE_NORMAL: Hardware resources are available to add virtual "
+            "port for " +
+            vport};
+}
+
+TEST(NormalMessage, HoldsAllOfATextOf127Bytes) {
+    std::string const port(127 - std::string("vxlan edge port: , vlan: 100").size(), 'e');
+    EXPECT_EQ(logsOfTheHandOverTo(edge(port + ":100")),
+              normal("vxlan edge port: " + port + ", vlan: 100"));
+    std::string const intf(127 - std::string("eFilterDisable intf: ").size(), 'e');
+    EXPECT_EQ(logsOfTheHandOverTo(efilter(intf)), normal("eFilterDisable intf: " + intf));
+}
+
+TEST(NormalMessage, CutsATextThatDoesNotFitInto128Bytes) {
+    std::string const port(128 - std::string("vxlan edge port: , vlan: 100").size(), 'e');
+    EXPECT_EQ(logsOfTheHandOverTo(edge(port + ":100")),
+              normal("vxlan edge port: " + port + ", vlan: 10"));
+    EXPECT_EQ(logsOfTheHandOverTo(efilter(std::string(500, 'e'))),
+              normal("eFilterDisable intf: " + std::string(106, 'e')));
 }
 
 } // namespace

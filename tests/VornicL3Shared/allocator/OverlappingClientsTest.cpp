@@ -36,7 +36,7 @@ protected:
     void request(std::size_t client, std::size_t kind, U32 number) {
         model.request(client, kind, number);
         VornicCentral::forEachKind([&](auto each) {
-            if (each.order == kind) {
+            if (VornicCentral::kindOrder<decltype(each)> == kind) {
                 world.request(names[client], ::Test::numbered<decltype(each)>(number));
             }
         });
@@ -44,7 +44,7 @@ protected:
     void withdraw(std::size_t client, std::size_t kind, U32 number) {
         model.withdraw(client, kind, number);
         VornicCentral::forEachKind([&](auto each) {
-            if (each.order == kind) {
+            if (VornicCentral::kindOrder<decltype(each)> == kind) {
                 world.withdraw(names[client], ::Test::numbered<decltype(each)>(number));
             }
         });

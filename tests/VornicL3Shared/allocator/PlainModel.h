@@ -178,7 +178,7 @@ private:
         VornicCentral::forEachKind([&](auto kind) {
             using Kind = decltype(kind);
             std::string members;
-            for (auto const& member : lists[Kind::order]) {
+            for (auto const& member : lists[VornicCentral::kindOrder<Kind>]) {
                 members += (members.empty() ? "" : " ") +
                            textOf(numbered<Kind>(number(member)).key) + value(member);
             }

@@ -75,6 +75,19 @@ TEST_F(PoolBitmap, IsBuiltAnewAfterItsDeletion) {
     EXPECT_EQ(world.pool(), "16:");
 }
 
+TEST_F(PoolBitmap, AnAllocationSearchesTheWholeBitmapNotTheTable) {
+    world.sm->vpBitmapIs(0, 32, HBitmap::BitState::clear);
+    world.capture.forget();
+    EXPECT_EQ(world.sm->allocVpIndex(true), 31);
+    EXPECT_EQ(world.capture.traces(), Lines{"5 allocVpIndex index allocated is: 31"});
+    EXPECT_EQ(world.pool(), "32:"); // what lies above the table size is not marked
+    EXPECT_EQ(world.sm->allocVpIndex(false), 0);
+    EXPECT_EQ(world.pool(), "32: 0");
+    world.sm->vpBitmapIs(0, 12, HBitmap::BitState::clear);
+    EXPECT_EQ(world.sm->allocVpIndex(true), 11);
+    EXPECT_EQ(world.pool(), "12: 11");
+}
+
 TEST_F(PoolBitmap, ItsOwnOperationsLeaveNoTrace) {
     world.sm->vpBitmapIs(0, 16, HBitmap::BitState::clear);
     world.sm->vpBitmapIs(0, 32, HBitmap::BitState::clear);

@@ -2,6 +2,7 @@
 
 #include "VornicL3Shared/support/Death.h"
 #include "VornicL3Shared/support/World.h"
+#include "qor/Sinks.h"
 
 #include <gtest/gtest.h>
 
@@ -51,6 +52,15 @@ TEST_F(PoolDeathTest, AFullBitmapThatDoesNotCountAsFull) {
     world.sm->vpBitmapIs(0, 10, HBitmap::BitState::set);
     EXPECT_DEATH(world.sm->allocVpIndex(false), nothingFound);
     EXPECT_DEATH(world.sm->allocVpIndex(true), nothingFound);
+}
+
+TEST_F(PoolDeathTest, AFailedSearchIsTracedBeforeItStops) {
+    world.sm->vpBitmapIs(0, 10, HBitmap::BitState::set);
+    auto const allocate = [this] {
+        Qor::traceSinkIs({}); // to standard error, as the assertion
+        world.sm->allocVpIndex(false);
+    };
+    EXPECT_DEATH(allocate(), " allocVpIndex index allocated is: 4294967295\n[^\n]*" + nothingFound);
 }
 
 TEST_F(PoolDeathTest, ABitmapWithoutBitsThatDoesNotCountAsFull) {

@@ -66,6 +66,26 @@ TEST_F(Reactors, SwitchedOnTwiceSubscribeOnce) {
     world.sm->hasNotificationActiveIs(true);
     EXPECT_EQ(subscribers(), "1 1 1");
     EXPECT_EQ(changes(), noticed);
+    world.allocator("bgp").hasNotificationActiveIs(false);
+    world.sm->hasNotificationActiveIs(true);
+    EXPECT_EQ(subscribers(), "1 1 0"); // nobody is asked to subscribe again
+}
+
+TEST_F(Reactors, SwitchedOnAgainLeaveAnAllocatorThatWasSwitchedOffByItself) {
+    world.allocator("bgp").hasNotificationActiveIs(false);
+    world.sm->hasNotificationActiveIs(true);
+    EXPECT_FALSE(world.allocator("bgp").nodeFlag(Pelo::NodeFlag::notificationActive));
+    world.request("bgp", vlan(100));
+    EXPECT_EQ(world.indexOf("bgp", vlan(100)), 65535);
+}
+
+TEST_F(Reactors, SwitchedOffAgainLeaveAnAllocatorThatWasSwitchedOnByItself) {
+    world.sm->hasNotificationActiveIs(false);
+    world.allocator("bgp").hasNotificationActiveIs(true);
+    world.sm->hasNotificationActiveIs(false);
+    EXPECT_EQ(subscribers(), "0 0 1");
+    world.request("bgp", vlan(100));
+    EXPECT_EQ(world.indexOf("bgp", vlan(100)), 15);
 }
 
 TEST_F(Reactors, SwitchedOffRemoveBothSubscriptionsAndThoseOfEveryAllocator) {

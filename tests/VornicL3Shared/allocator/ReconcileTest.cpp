@@ -1,18 +1,19 @@
-// Recovery from the reference list, and the clean-up of statuses.
+// Restarts of one kind: recovery from the reference list and the boot status, and the clean-up of
+// statuses.
 
 #include "VornicL3Shared/allocator/KindTest.h"
-#include "qor/Exceptions.h"
+#include "VornicL3Shared/allocator/TraceLines.h"
+#include "VornicL3Shared/support/Listener.h"
+#include "VornicL3Shared/support/References.h"
 
 #include <map>
 
 namespace {
 
 using namespace VornicCentral;
-using Test::edge;
 using Test::Lines;
-using Test::mlag;
-using Test::remote;
-using Test::vlan;
+using Test::linesOf;
+using Test::referenceOf;
 
 /// The words of each kind in the traces of reconciliation, written for key 1.
 struct Words {
@@ -59,17 +60,6 @@ template <class Kind> Words const& words() {
     return all.at(Kind::word);
 }
 
-/// The lines of one operation.
-Lines linesOf(Lines const& all, std::string const& operation) {
-    Lines lines;
-    for (std::string const& line : all) {
-        if (line.substr(2, operation.size()) == operation) {
-            lines.push_back(line);
-        }
-    }
-    return lines;
-}
-
 template <class Kind> class Reconcile : public ::Test::KindTest<Kind> {
 protected:
     void startOver(bool reallocation) {
@@ -78,10 +68,14 @@ protected:
         this->world.start();
     }
     /// A reference that names a client, as it survives.
-    void survive(U32 number, U16 vpIndex) {
-        VpReference reference{VirtualPort(vpIndex)};
-        reference.referenceIs("former", true);
-        this->world.references->template is<Kind>(::Test::numbered<Kind>(number).key, reference);
+    void survive(U32 number, U16 vpIndex, char const* name = "former") {
+        this->world.references->template is<Kind>(::Test::numbered<Kind>(number).key,
+                                                  referenceOf(vpIndex, {name}));
+    }
+    /// An entry of a client's status, as it survives.
+    void hold(char const* name, U32 number, U16 vpIndex) {
+        this->world.status(name).template is<Kind>(::Test::numbered<Kind>(number).key,
+                                                   VirtualPort(vpIndex));
     }
     void boot(U32 number, U16 vpIndex) {
         this->world.boot->template is<Kind>(::Test::numbered<Kind>(number).key,
@@ -162,6 +156,60 @@ TYPED_TEST(Reconcile, ABootEntryWithoutAnIndexWaitsWithReallocation) {
     EXPECT_EQ(this->reference(1), VpReference());
 }
 
+TYPED_TEST(Reconcile, ABootEntryWithoutAnIndexWaitsEvenIfTheHandlerDoesNotRun) {
+    this->startOver(true);
+    this->boot(1, 65535);
+    this->world.sm->hasNotificationActiveIs(false);
+    this->world.sm->reconcile();
+    EXPECT_EQ(this->state(), this->filled("pool 16: 0-7\n"
+                                          "references: <kind>{<1>=65535[]}\n"
+                                          "waiting: <kind>{<1>}\n"
+                                          "boot: <kind>{<1>=65535}\n"));
+}
+
+TYPED_TEST(Reconcile, ABootEntryWithoutAnIndexDoesNotWaitWithoutReallocation) {
+    this->boot(1, 65535);
+    this->startOver(false);
+    EXPECT_EQ(this->state(), this->filled("pool 16: 0-7\n"
+                                          "references: <kind>{<1>=65535[]}\n"
+                                          "waiting:\n"
+                                          "boot: <kind>{<1>=65535}\n"));
+}
+
+TYPED_TEST(Reconcile, AnIndexOutsideTheTableIsKeptAndMarksNothing) {
+    this->survive(1, 16);
+    this->survive(2, 100);
+    this->startOver(true);
+    EXPECT_EQ(this->state(), this->filled("pool 16: 0-7\n"
+                                          "references: <kind>{<1>=16[] <2>=100[]}\n"
+                                          "waiting:\n"
+                                          "boot:\n"));
+}
+
+TYPED_TEST(Reconcile, ABootEntryOutsideTheTableIsTakenOverAndMarksNothing) {
+    this->boot(1, 16);
+    this->boot(2, 100);
+    this->startOver(true);
+    EXPECT_EQ(this->state(), this->filled("pool 16: 0-7\n"
+                                          "references: <kind>{<1>=16[] <2>=100[]}\n"
+                                          "waiting:\n"
+                                          "boot: <kind>{<1>=16 <2>=100}\n"));
+}
+
+TYPED_TEST(Reconcile, AnIndexAboveTheTableSizeIsHandedToTheClientAsItIs) {
+    this->world.client("bgp");
+    this->request("bgp", 1);
+    this->survive(1, 100);
+    this->startOver(true);
+    EXPECT_EQ(this->state(),
+              this->filled("pool 16: 0-7\n"
+                           "config bgp: <kind>{<1>}\n"
+                           "status bgp: <kind>{<1>=100} requests=0 failures=0 frees=0 size=16\n"
+                           "references: <kind>{<1>=100[bgp]}\n"
+                           "waiting:\n"
+                           "boot:\n"));
+}
+
 TYPED_TEST(Reconcile, AStatusEntryThatNoConfigBacksGoesAndItsIndexStays) {
     auto const& word = words<TypeParam>();
     this->start({.tableSize = 16}, {"bgp", "mlag"});
@@ -177,9 +225,7 @@ TYPED_TEST(Reconcile, AStatusEntryThatNoConfigBacksGoesAndItsIndexStays) {
     EXPECT_EQ(Lines(traces.end() - 3, traces.end()), expected);
     Lines const ring = linesOf(this->world.capture.ring(), "reconcile");
     EXPECT_EQ(ring[ring.size() - 2], "5 reconcile" + word.ringDeleteStatus);
-    VpReference byMlag{VirtualPort(15)};
-    byMlag.referenceIs("mlag", true);
-    EXPECT_EQ(this->reference(1), byMlag);
+    EXPECT_EQ(this->reference(1), referenceOf(15, {"mlag"}));
     EXPECT_EQ(this->world.pool(), "16: 0-7 15");
     EXPECT_FALSE(
         this->world.status("bgp").template has<TypeParam>(::Test::numbered<TypeParam>(1).key));
@@ -188,8 +234,7 @@ TYPED_TEST(Reconcile, AStatusEntryThatNoConfigBacksGoesAndItsIndexStays) {
 TYPED_TEST(Reconcile, AKeyWithoutAReferenceGainsOneThatNamesNobody) {
     this->start({.tableSize = 16}, {"bgp"});
     this->world.stop();
-    this->world.status("bgp").template is<TypeParam>(::Test::numbered<TypeParam>(1).key,
-                                                     VirtualPort(12));
+    this->hold("bgp", 1, 12);
     this->startOver(false);
     EXPECT_TRUE(
         this->world.references->template has<TypeParam>(::Test::numbered<TypeParam>(1).key));
@@ -197,92 +242,58 @@ TYPED_TEST(Reconcile, AKeyWithoutAReferenceGainsOneThatNamesNobody) {
     EXPECT_EQ(this->world.pool(), "16: 0-7");
 }
 
-class ReconcileKinds : public testing::Test {
-protected:
-    template <class V> void boot(V const& vport, U16 index) {
-        world.boot->is<typename V::Kind>(vport.key, VirtualPort(index));
+TYPED_TEST(Reconcile, TheCleanUpOfAStatusTakesTheNameOutOfTheReference) {
+    this->world.client("bgp");
+    this->survive(1, 12);
+    this->hold("bgp", 1, 12);
+    ::Test::Listener comeBack(this->world.status("bgp"), [this](auto const& told) {
+        if (told.field == TypeParam::field) { // the entry is gone: both names enter themselves
+            this->world.references->template is<TypeParam>(::Test::numbered<TypeParam>(1).key,
+                                                           referenceOf(12, {"bgp", "other"}));
+        }
+    });
+    this->startOver(false);
+    EXPECT_EQ(this->state(), this->filled("pool 16: 0-7 12\n"
+                                          "config bgp:\n"
+                                          "status bgp: requests=0 failures=0 frees=0 size=16\n"
+                                          "references: <kind>{<1>=12[other]}\n"
+                                          "waiting:\n"
+                                          "boot:\n"));
+}
+
+TYPED_TEST(Reconcile, SeveralStatusEntriesGoInOneWalk) {
+    this->world.client("bgp");
+    this->request("bgp", 3);
+    for (U32 number = 1; number <= 3; ++number) {
+        U16 const vpIndex = static_cast<U16>(10 + number);
+        this->survive(number, vpIndex, "bgp");
+        this->hold("bgp", number, vpIndex);
     }
-    template <class V> void survive(V const& vport, U16 index) {
-        world.references->is<typename V::Kind>(vport.key, VpReference(VirtualPort(index)));
-    }
-    ::Test::World world;
-};
-
-TEST_F(ReconcileKinds, OneRemoteEdgeOrVlanReferenceKeepsTheBootStatusOut) {
-    boot(remote("10.0.0.9@1"), 9);
-    for (int survivor = 0; survivor < 3; ++survivor) {
-        world.references = vpReferenceListFactory("references");
-        survivor == 0   ? survive(remote("10.0.0.1@1"), 12)
-        : survivor == 1 ? survive(edge("Ethernet1:1"), 12)
-                        : survive(vlan(1), 12);
-        world.start();
-        EXPECT_EQ(world.pool(), "16: 0-7 12");
-        EXPECT_EQ(world.boot->memberCount(), 1u);
-    }
+    this->startOver(false);
+    EXPECT_EQ(this->state(),
+              this->filled("pool 16: 0-7 11-13\n"
+                           "config bgp: <kind>{<3>}\n"
+                           "status bgp: <kind>{<3>=13} requests=0 failures=0 frees=0 size=16\n"
+                           "references: <kind>{<1>=11[] <2>=12[] <3>=13[bgp]}\n"
+                           "waiting:\n"
+                           "boot:\n"));
 }
 
-TEST_F(ReconcileKinds, MlagAndEFilterReferencesDoNot) {
-    survive(mlag("10.0.0.1@1"), 12);
-    survive(::Test::efilter("Ethernet7"), 11);
-    boot(mlag("10.0.0.1@1"), 14); // has a reference, which stays
-    boot(mlag("10.0.0.2@1"), 13);
-    boot(vlan(5), 10);
-    world.start();
-    EXPECT_EQ(
-        world.state(),
-        "pool 16: 0-7 10-13\n"
-        "references: mlag{10.0.0.1@1=12[] 10.0.0.2@1=13[]} vlan{5=10[]} efilter{Ethernet7=11[]}\n"
-        "waiting:\n"
-        "boot: mlag{10.0.0.1@1=14 10.0.0.2@1=13} vlan{5=10}\n");
-}
-
-TEST_F(ReconcileKinds, ARestartGivesEveryClientItsIndicesBack) {
-    world.settings = {.tableSize = 64, .reallocation = true};
-    world.client("bgp");
-    world.client("mlag");
-    world.start();
-    world.request("bgp", remote("10.0.0.1@1"));
-    world.request("mlag", mlag("10.0.0.1@1"));
-    world.request("bgp", edge("Ethernet1:10"));
-    world.request("mlag", edge("Ethernet1:10"));
-    world.request("bgp", vlan(10));
-    world.withdraw("bgp", remote("10.0.0.1@1"));
-    world.request("bgp", ::Test::efilter("Ethernet7"));
-    std::string const before = world.state();
-    world.start();
-    EXPECT_EQ(world.state(), before);
-}
-
-TEST_F(ReconcileKinds, WithoutABootStatusAnEmptyReferenceListIsRefused) {
-    world.boot = nullptr;
-    EXPECT_THROW(world.start(), Qor::MutatorArgNullPointerException);
-}
-
-std::string const twice = "/src/VornicL3Shared/VornicL3VpIndexAllocator:[0-9]+: "
-                          "void VornicCentral::VpIndexAllocatorDirSm::setVpBitmap\\(U32\\): "
-                          "Assertion '!vpBitmap\\(\\)->isBitSet\\( vpIndex \\)' failed\\.";
-using ReconcileDeathTest = ReconcileKinds;
-
-TEST_F(ReconcileDeathTest, TwoReferencesWithOneIndex) {
-    survive(vlan(1), 12);
-    survive(edge("Ethernet1:1"), 12);
-    EXPECT_DEATH(world.start(), twice);
-}
-
-TEST_F(ReconcileDeathTest, AReferenceAndABootEntryWithOneIndex) {
-    survive(mlag("10.0.0.1@1"), 12);
-    boot(vlan(1), 12);
-    EXPECT_DEATH(world.start(), twice);
-}
-
-TEST_F(ReconcileDeathTest, AReferenceWithAReservedIndex) {
-    survive(vlan(1), 3);
-    EXPECT_DEATH(world.start(), twice);
-}
-
-TEST_F(ReconcileDeathTest, ABootEntryWithIndexZeroIsNotReserved) {
-    boot(vlan(1), 0);
-    EXPECT_DEATH(world.start(), twice);
+TYPED_TEST(Reconcile, ARequestWithTheValueFalseBacksItsStatusEntry) {
+    this->world.client("bgp");
+    this->world.config("bgp").template is<TypeParam>(::Test::numbered<TypeParam>(1).key, false);
+    this->survive(1, 12, "bgp");
+    this->hold("bgp", 1, 12);
+    ::Test::Listener changes(this->world.status("bgp"));
+    this->startOver(false);
+    EXPECT_EQ(changes.fields(), std::vector<Pelo::FieldId>{266}); // the table size alone
+    EXPECT_EQ(this->state(),
+              this->filled("pool 16: 0-7 12\n"
+                           "config bgp: <kind>{<1>}\n"
+                           "status bgp: <kind>{<1>=12} requests=0 failures=0 frees=0 size=16\n"
+                           "references: <kind>{<1>=12[bgp]}\n"
+                           "waiting:\n"
+                           "boot:\n"));
 }
 
 } // namespace

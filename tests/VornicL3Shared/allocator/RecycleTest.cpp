@@ -1,7 +1,9 @@
 // What becomes of an index that is released.
 
-#include "VornicL3Shared/allocator/KindTest.h"
-#include "VornicL3Shared/support/Listener.h"
+#include "VornicL3Shared/support/References.h"
+#include "VornicL3Shared/support/World.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -10,16 +12,9 @@ using Test::edge;
 using Test::efilter;
 using Test::Lines;
 using Test::mlag;
+using Test::referenceOf;
 using Test::remote;
 using Test::vlan;
-
-VpReference reference(U16 vpIndex, std::initializer_list<char const*> names) {
-    VpReference result{VirtualPort(vpIndex)};
-    for (char const* const name : names) {
-        result.referenceIs(name, true);
-    }
-    return result;
-}
 
 /// A table of nine entries, so that one client port fills it, with reallocation.
 class Recycle : public testing::Test {
@@ -31,8 +26,7 @@ protected:
         world.request("bgp", vlan(1));
         world.capture.forget();
     }
-    /// The first nine records that a hand-over and its surroundings leave, without the levels of
-    /// the handlers.
+    /// The traces of the release and of the pool, without those of the handlers.
     Lines recycleTraces() {
         Lines lines;
         for (std::string const& line : world.capture.traces()) {
@@ -51,7 +45,14 @@ TEST_F(Recycle, FreesOnceWhenNobodyWaits) {
     world.sm->recycleOrFreeVpIndex(8);
     EXPECT_EQ(world.capture.traces(),
               (Lines{"1 recycleOrFreeVpIndex", "5 freeVpIndex index freed is: 8"}));
-    EXPECT_EQ(world.pool(), "9: 0-7");
+    EXPECT_EQ(world.state(), "pool 9: 0-7\n"
+                             "config bgp: vlan{1}\n"
+                             "config mlag:\n"
+                             "status bgp: vlan{1=8} requests=1 failures=0 frees=0 size=9\n"
+                             "status mlag: requests=0 failures=0 frees=0 size=9\n"
+                             "references: vlan{1=8[bgp]}\n"
+                             "waiting:\n"
+                             "boot:\n");
 }
 
 TEST_F(Recycle, WithoutReallocationTheIndexIsFreedTwice) {
@@ -62,6 +63,27 @@ TEST_F(Recycle, WithoutReallocationTheIndexIsFreedTwice) {
     EXPECT_EQ(world.capture.traces(),
               (Lines{"1 recycleOrFreeVpIndex", "5 freeVpIndex index freed is: 8",
                      "5 freeVpIndex index freed is: 8"}));
+}
+
+TEST_F(Recycle, WithoutReallocationTheIndexIsFreedTwiceWhenNoWaitingKeyTakesIt) {
+    world.settings.reallocation = false;
+    world.start();
+    world.references->vlanVportIs(vlan(5).key, VpReference());
+    world.waiting->vlanVportIs(vlan(5).key, true);  // names nobody
+    world.waiting->vlanVportIs(vlan(90).key, true); // no reference
+    world.capture.forget();
+    world.sm->recycleOrFreeVpIndex(8);
+    EXPECT_EQ(world.capture.traces(),
+              (Lines{"1 recycleOrFreeVpIndex", "5 freeVpIndex index freed is: 8",
+                     "5 freeVpIndex index freed is: 8"}));
+    EXPECT_EQ(world.state(), "pool 9: 0-7\n"
+                             "config bgp: vlan{1}\n"
+                             "config mlag:\n"
+                             "status bgp: vlan{1=8} requests=1 failures=0 frees=0 size=9\n"
+                             "status mlag: requests=0 failures=0 frees=0 size=9\n"
+                             "references: vlan{1=8[bgp] 5=65535[]}\n"
+                             "waiting: vlan{5}\n"
+                             "boot:\n");
 }
 
 TEST_F(Recycle, WithoutReallocationAWaitingVlanStillTakesTheFreedIndex) {
@@ -99,6 +121,23 @@ TEST_F(Recycle, AnIndexIsCutToSixteenBits) {
               (Lines{"1 recycleOrFreeVpIndex", "5 freeVpIndex index freed is: 8"}));
     world.sm->recycleOrFreeVpIndex(0x1FFFF);
     EXPECT_EQ(world.capture.traces(), (Lines{"1 recycleOrFreeVpIndex"}));
+}
+
+TEST_F(Recycle, AnIndexIsCutBeforeItIsHandedOver) {
+    world.request("bgp", vlan(2));
+    world.capture.forget();
+    world.sm->recycleOrFreeVpIndex(0x10008);
+    EXPECT_EQ(recycleTraces(), (Lines{"1 recycleOrFreeVpIndex",
+                                      "7 recycleOrFreeVpIndex Recycling vpIndex : 8 to "
+                                      "vpIndexAllocator(bgp)->vpIndexStatus()->vlanVport(2)"}));
+    EXPECT_EQ(world.state(), "pool 9: 0-8\n"
+                             "config bgp: vlan{1 2}\n"
+                             "config mlag:\n"
+                             "status bgp: vlan{1=8 2=8} requests=1 failures=1 frees=0 size=9\n"
+                             "status mlag: requests=0 failures=0 frees=0 size=9\n"
+                             "references: vlan{1=8[bgp] 2=8[bgp]}\n"
+                             "waiting:\n"
+                             "boot:\n");
 }
 
 TEST_F(Recycle, KindsAreServedVlanRemoteMlagEdgeEFilter) {
@@ -141,7 +180,7 @@ TEST_F(Recycle, KindsAreServedVlanRemoteMlagEdgeEFilter) {
 
 TEST_F(Recycle, AKeyThatDoesNotWaitAnyMoreIsTakenOffAndPassedOver) {
     world.waiting->vlanVportIs(vlan(90).key, true); // no reference
-    world.references->edgeVportIs(edge("Ethernet9:9").key, reference(8, {"bgp"}));
+    world.references->edgeVportIs(edge("Ethernet9:9").key, referenceOf(8, {"bgp"}));
     world.waiting->edgeVportIs(edge("Ethernet9:9").key, true); // a valid one
     world.request("bgp", efilter("Ethernet7"));
     world.sm->recycleOrFreeVpIndex(8);
@@ -159,6 +198,20 @@ TEST_F(Recycle, AWaitingKeyThatNamesNobodyStaysAndTakesNothing) {
     EXPECT_EQ(world.references->vlanVport(vlan(5).key), VpReference());
 }
 
+TEST_F(Recycle, WithoutAReferenceListTheIndexIsFreed) {
+    world.references = nullptr;
+    world.configDir = vpIndexConfigDirFactory("config");
+    world.start();
+    world.sm->setVpBitmap(8);
+    world.waiting->vlanVportIs(vlan(2).key, true);
+    world.capture.forget();
+    world.sm->recycleOrFreeVpIndex(8);
+    EXPECT_EQ(world.capture.traces(),
+              (Lines{"1 recycleOrFreeVpIndex", "5 freeVpIndex index freed is: 8"}));
+    EXPECT_EQ(world.pool(), "9: 0-7");
+    EXPECT_TRUE(world.waits(vlan(2)));
+}
+
 TEST_F(Recycle, TheWaitingEntryIsLeftToTheHandlerOfTheReferenceList) {
     world.request("bgp", vlan(2));
     world.sm->hasNotificationActiveIs(false);
@@ -167,69 +220,6 @@ TEST_F(Recycle, TheWaitingEntryIsLeftToTheHandlerOfTheReferenceList) {
     EXPECT_TRUE(world.waits(vlan(2)));
     world.sm->recycleOrFreeVpIndex(8); // the next pass sees a reference that holds an index
     EXPECT_FALSE(world.waits(vlan(2)));
-}
-
-TEST_F(Recycle, TheRingNamesEachHandOver) {
-    world.request("bgp", edge("Ethernet1/1:10"));
-    world.capture.forget();
-    world.sm->recycleOrFreeVpIndex(8);
-    EXPECT_EQ(world.capture.ring(),
-              (Lines{"1 recycleOrFreeVpIndex",
-                     "7 recycleOrFreeVpIndex Recycling vpIndex : 8 to "
-                     "vpIndexAllocator(bgp)->vpIndexStatus()->edgeVport(Ethernet1/1:10)",
-                     "1 handleInvalidEdgeVport port: Et1/1 vlan: 10",
-                     "5 handleInvalidEdgeVport vport addition/modification for: 8",
-                     "5 handleInvalidEdgeVport vport deleted : 8"}));
-}
-
-template <class Kind> class RecycleKind : public ::Test::KindTest<Kind> {};
-TYPED_TEST_SUITE(RecycleKind, ::Test::AllKinds, ::Test::KindNames);
-
-TYPED_TEST(RecycleKind, AllClientsOfTheKeyGetTheIndexWithOneMessageAndOneReferenceWrite) {
-    this->start({.tableSize = 9, .reallocation = true}, {"bgp", "mlag"});
-    this->request("bgp", 1);
-    this->request("bgp", 2);
-    this->request("mlag", 2);
-    this->world.capture.forget();
-    ::Test::Listener references(*this->world.references);
-    this->world.sm->recycleOrFreeVpIndex(8);
-    EXPECT_EQ(this->world.capture.logs().size(), 1u);
-    EXPECT_EQ(references.fields(), (std::vector<Pelo::FieldId>{TypeParam::field}));
-    EXPECT_EQ(this->world.indexOf("bgp", ::Test::numbered<TypeParam>(2)), 8);
-    EXPECT_EQ(this->world.indexOf("mlag", ::Test::numbered<TypeParam>(2)), 8);
-    EXPECT_FALSE(this->world.waits(::Test::numbered<TypeParam>(2)));
-}
-
-TYPED_TEST(RecycleKind, TheKeyThatHasWaitedLongestIsServedFirst) {
-    this->start({.tableSize = 9, .reallocation = true}, {"bgp"});
-    for (U32 number = 1; number <= 4; ++number) {
-        this->request("bgp", number);
-    }
-    this->withdraw("bgp", 2); // leaves the queue and enters it again at its end
-    this->request("bgp", 2);
-    std::vector<U32> served;
-    for (U32 holder = 1, rounds = 0; rounds < 3; ++rounds) {
-        this->withdraw("bgp", holder);
-        for (U32 number = 1; number <= 4; ++number) {
-            if (this->world.indexOf("bgp", ::Test::numbered<TypeParam>(number)) == 8) {
-                holder = number;
-            }
-        }
-        served.push_back(holder);
-    }
-    EXPECT_EQ(served, (std::vector<U32>{3, 4, 2}));
-}
-
-TYPED_TEST(RecycleKind, AllocationCountersDoNotMove) {
-    this->start({.tableSize = 9, .reallocation = true}, {"bgp"});
-    this->request("bgp", 1);
-    this->request("bgp", 2);
-    this->world.sm->recycleOrFreeVpIndex(8);
-    auto const& status = this->world.status("bgp");
-    EXPECT_EQ(std::to_string(status.vpAllocRequests()) + " " +
-                  std::to_string(status.vpAllocFailures()) + " " +
-                  std::to_string(status.vpFreeRequests()),
-              "1 1 0");
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 // Subscribers of the records that change configs while a handler is writing: the change is handled
 // after it.
 
+#include "VornicL3Shared/allocator/KeyedTraceWords.h"
 #include "VornicL3Shared/allocator/ReentrancyTestBase.h"
+#include "VornicL3Shared/support/References.h"
 
 namespace {
 
@@ -55,6 +57,23 @@ TYPED_TEST(ReentrantChanges, AKeyCanBeRequestedAgainWithinItsWithdrawal) {
               this->filled("pool 16: 0-7 15\n"
                            "config bgp: <kind>{<1>}\n"
                            "status bgp: <kind>{<1>=15} requests=2 failures=0 frees=1 size=16\n"
+                           "references: <kind>{<1>=15[bgp]}\n"
+                           "waiting:\n"
+                           "boot:\n"));
+    this->world.sm->verify();
+}
+
+TYPED_TEST(ReentrantChanges, ARequestThatIsTakenBackWithinTheSameHandler) {
+    this->start({}, {"bgp"});
+    this->atFirstStatus("bgp", [this] {
+        this->request("bgp", 2);
+        this->withdraw("bgp", 2);
+    });
+    this->request("bgp", 1);
+    EXPECT_EQ(this->state(),
+              this->filled("pool 16: 0-7 15\n"
+                           "config bgp: <kind>{<1>}\n"
+                           "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
                            "references: <kind>{<1>=15[bgp]}\n"
                            "waiting:\n"
                            "boot:\n"));
@@ -159,6 +178,43 @@ TYPED_TEST(ReentrantChanges, AKeyCanBeRequestedWithinTheCleanUpOfIt) {
     this->world.sm->setVpBitmap(12);
     this->atFirstReference([this] { this->request("bgp", 1); });
     this->world.sm->clearStaleEntries();
+    EXPECT_EQ(this->state(),
+              this->filled("pool 16: 0-7 15\n"
+                           "config bgp: <kind>{<1>}\n"
+                           "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
+                           "references: <kind>{<1>=15[bgp]}\n"
+                           "waiting:\n"
+                           "boot:\n"));
+    this->world.sm->verify();
+}
+
+TYPED_TEST(ReentrantChanges, StaleEntriesClearedWithinAnAdditionWaitUntilItIsDone) {
+    using Words = Test::KeyedTraceWords<TypeParam>;
+    this->world.references->template is<TypeParam>(Test::numbered<TypeParam>(1).key,
+                                                   Test::referenceOf(15, {"former"}));
+    this->start({}, {"bgp"}); // the reference is stale now
+    this->atFirstStatus("bgp", [this] {
+        this->world.capture.forget();
+        this->world.sm->clearStaleEntries();
+    });
+    this->request("bgp", 1);
+    EXPECT_EQ(this->world.capture.traces(), (Test::Lines{Words::reference, "1 clearStaleEntries"}));
+    EXPECT_EQ(this->state(),
+              this->filled("pool 16: 0-7 15\n"
+                           "config bgp: <kind>{<1>}\n"
+                           "status bgp: <kind>{<1>=15} requests=0 failures=0 frees=0 size=16\n"
+                           "references: <kind>{<1>=15[bgp]}\n"
+                           "waiting:\n"
+                           "boot:\n"));
+    this->world.sm->verify();
+}
+
+TYPED_TEST(ReentrantChanges, StaleEntriesClearedWithinAnAdditionAreClearedAfterIt) {
+    this->world.references->template is<TypeParam>(Test::numbered<TypeParam>(2).key,
+                                                   Test::referenceOf(14, {"former"}));
+    this->start({}, {"bgp"});
+    this->atFirstStatus("bgp", [this] { this->world.sm->clearStaleEntries(); });
+    this->request("bgp", 1);
     EXPECT_EQ(this->state(),
               this->filled("pool 16: 0-7 15\n"
                            "config bgp: <kind>{<1>}\n"

@@ -133,6 +133,26 @@ TYPED_TEST(ReentrantRemoval, AnAllocatorThatBecomesAZombieIgnoresWhatItWasLeft) 
                            "boot:\n"));
 }
 
+TYPED_TEST(ReentrantRemoval, AStateMachineThatBecomesAZombieIgnoresANameThatItWasLeft) {
+    this->start({}, {"bgp"});
+    this->atFirstStatus("bgp", [this] {
+        this->world.client("evpn");
+        this->request("evpn", 2);
+        this->world.sm->qorDoZombieReactors(true);
+    });
+    this->request("bgp", 1);
+    EXPECT_FALSE(this->world.sm->vpIndexAllocatorHas("evpn"));
+    EXPECT_EQ(this->state(),
+              this->filled("pool 16: 0-7 15\n"
+                           "config bgp: <kind>{<1>}\n"
+                           "config evpn: <kind>{<2>}\n"
+                           "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
+                           "status evpn: requests=0 failures=0 frees=0 size=0\n"
+                           "references: <kind>{<1>=15[bgp]}\n"
+                           "waiting:\n"
+                           "boot:\n"));
+}
+
 TYPED_TEST(ReentrantRemoval, ASubscriberCanLeaveWithinItsNotification) {
     this->start({}, {"bgp"});
     this->atFirstStatus("bgp", [this] { this->listeners.front()->leave(); });

@@ -100,6 +100,16 @@ TEST_P(RemoteHelpers, RequestIsFoundInItsOwnKindWhateverItsValue) {
     EXPECT_FALSE(allocator().remoteVportInVpIndexConfig(key, !isMlag));
 }
 
+TEST_P(RemoteHelpers, OfAClientWithoutConfigFindNothing) {
+    auto const nameless = VornicCentral::vpIndexAllocatorFactory(
+        world.sm.get(), nullptr, world.statusDir->vpIndexStatus("bgp"), world.references, false);
+    EXPECT_FALSE(nameless->remoteVportInVpIndexConfig(key, isMlag));
+    put(world.status("bgp"), isMlag, VirtualPort(12));
+    put(*world.references, isMlag, reference(12, "evpn"));
+    nameless->handleRemoteVportCommon(key, isMlag); // a withdrawal
+    EXPECT_EQ(held(), isMlag ? "remote - -, mlag - 12[evpn]" : "remote - 12[evpn], mlag - -");
+}
+
 TEST_P(RemoteHelpers, IndexIsReadFromItsOwnKind) {
     put(world.status("bgp"), isMlag, VirtualPort(12));
     EXPECT_EQ(allocator().getRemoteVportVpIndex(key, isMlag), 12);

@@ -1,6 +1,6 @@
 // Construction of the directory state machine: what it stores and the order of its start-up.
 
-#include "VornicL3Shared/support/Listener.h"
+#include "VornicL3Shared/support/References.h"
 #include "VornicL3Shared/support/World.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,9 @@
 namespace {
 
 using namespace VornicCentral;
+using Test::efilter;
 using Test::Lines;
+using Test::referenceOf;
 using Test::vlan;
 using Test::World;
 
@@ -169,6 +171,17 @@ TEST_F(StartUp, TheConstructorAloneLeavesNotificationsSubscribedAndNotActive) {
     EXPECT_EQ(world.configDir->publisher()->subscriberCount(), 1u);
 }
 
+TEST_F(StartUp, TheConstructorAloneStaysSubscribedWhenItIsSwitchedOff) {
+    auto const sm = Pelo::newNode<VpIndexAllocatorDirSm>(world.references, world.waiting,
+                                                         world.configDir, world.statusDir, U32{16},
+                                                         world.boot, false, false, nullptr);
+    sm->hasNotificationActiveIs(false); // it is not on, so nothing happens
+    EXPECT_EQ(world.references->publisher()->subscriberCount(), 1u);
+    EXPECT_EQ(world.configDir->publisher()->subscriberCount(), 1u);
+    world.client("bgp");
+    EXPECT_TRUE(sm->vpIndexAllocatorHas("bgp"));
+}
+
 TEST_F(StartUp, WithoutAReferenceListIsNotSubscribedToIt) {
     world.references = nullptr;
     world.start();
@@ -193,6 +206,24 @@ TEST_F(StartUp, NeedsNeitherStatusDirectoryNorBootStatusNorCapabilities) {
                                                  nullptr, 16, nullptr, false, false, nullptr);
     EXPECT_TRUE(sm->initialized());
     EXPECT_TRUE(sm->vpBitmap()->isBitSet(12));
+}
+
+TEST_F(StartUp, NeedsNoInvalidReferenceListWithReallocation) {
+    world.waiting = nullptr;
+    world.settings = {.tableSize = 9, .reallocation = true};
+    world.references->eFilterDisableVportIs(efilter("Ethernet7").key, VpReference());
+    world.boot->vlanVportIs(vlan(200).key, VirtualPort());
+    world.client("bgp");
+    world.start();
+    EXPECT_EQ(world.references->eFilterDisableVport(efilter("Ethernet7").key), VpReference());
+    EXPECT_EQ(world.references->vlanVport(vlan(200).key), VpReference());
+    world.request("bgp", vlan(1));
+    world.request("bgp", vlan(2));
+    EXPECT_EQ(world.indexOf("bgp", vlan(1)), 8);
+    EXPECT_EQ(world.references->vlanVport(vlan(2).key), referenceOf(65535, {"bgp"}));
+    world.withdraw("bgp", vlan(1));
+    EXPECT_EQ(world.indexOf("bgp", vlan(2)), 65535);
+    EXPECT_EQ(world.pool(), "9: 0-7");
 }
 
 TEST_F(StartUp, RunsAgainOverAPoolThatWasDeletedBefore) {

@@ -115,6 +115,22 @@ TEST_F(TearDown, ReleasesAnAllocatorThatIsHeldElsewhereAndSwitchesItOff) {
     EXPECT_EQ(world.capture.traces(), Lines{});
 }
 
+TEST_F(TearDown, SwitchesOffAnAllocatorMadeWhileTheReactorsWereOff) {
+    world.start();
+    world.sm->hasNotificationActiveIs(false);
+    world.client("host");
+    world.sm->handleVpIndexConfig("host");
+    auto const allocator = world.sm->vpIndexAllocator("host");
+    EXPECT_TRUE(allocator->nodeFlag(Pelo::NodeFlag::notificationActive));
+    world.stop();
+    EXPECT_FALSE(world.config("host").publisher()->hasSubscribers());
+    EXPECT_FALSE(allocator->nodeFlag(Pelo::NodeFlag::notificationActive));
+    world.capture.forget();
+    world.request("host", vlan(300));
+    EXPECT_EQ(world.capture.traces(), Lines{});
+    EXPECT_EQ(world.indexOf("host", vlan(300)), 65535);
+}
+
 TEST_F(TearDown, SwitchedOffBeforeIsNoDifferent) {
     std::string const before = traceOf();
     world.start();

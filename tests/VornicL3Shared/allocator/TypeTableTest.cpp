@@ -1,4 +1,4 @@
-// The inspection tables of the state machine and the allocator: numbers, names and types.
+// The inspection tables of the state machine and the allocator reach their accessors.
 
 #include "VornicL3Shared/support/World.h"
 #include "qor/Exceptions.h"
@@ -14,72 +14,7 @@ using namespace VornicCentral;
 using Qor::Arguments;
 using Qor::GenericValue;
 using Qor::OpCode;
-using Test::textOf;
 using Test::World;
-
-constexpr char const* stateMachineTable =
-    "VornicCentral::VpIndexAllocatorDirSm("
-    "vpReference: Pelo::Ptr<VornicCentral::VpReferenceList>, "
-    "vpInvalidReference: Pelo::Ptr<VornicCentral::VpInvalidReferenceList>, "
-    "vpIndexConfigDir: Pelo::Ptr<VornicCentral::VpIndexConfigDir const>, "
-    "vpIndexStatusDir: Pelo::Ptr<VornicCentral::VpIndexStatusDir>, vpTableSize: U32, "
-    "vxlanBootStatus: Pelo::Ptr<VornicCentral::VxlanBootStatus>, vpReallocationEnabled: bool, "
-    "vfiForwarding: bool, vxlanCapabilities: Pelo::Ptr<VornicCentral::VxlanCapabilities const>)"
-    R"(
-  130  vpReference: Pelo::Ptr<VornicCentral::VpReferenceList> (read-only)
-  131  vpInvalidReference: Pelo::Ptr<VornicCentral::VpInvalidReferenceList> (read-only)
-  132  vpIndexConfigDir: Pelo::Ptr<VornicCentral::VpIndexConfigDir const> (read-only)
-  133  vpIndexStatusDir: Pelo::Ptr<VornicCentral::VpIndexStatusDir> (read-only)
-  134  vpTableSize: U32 (read-only)
-  135  vxlanBootStatus: Pelo::Ptr<VornicCentral::VxlanBootStatus> (read-only)
-  136  vpReallocationEnabled: bool (read-only)
-  137  vfiForwarding: bool (read-only)
-  138  vxlanCapabilities: Pelo::Ptr<VornicCentral::VxlanCapabilities const> (read-only)
-  139  vpBitmap: Pelo::Ptr<Bask::Bitmap>
-  140  vpIndexAllocator[name: Pelo::String]: Pelo::Ptr<VornicCentral::VpIndexAllocator>
-  141  handleVpIndexConfig(name: Pelo::String)
-  142  handleInvalidRemoteVport(remoteVtepKey: VornicCentral::RemoteVtepKey)
-  143  handleInvalidMlagRemoteVport(remoteVtepKey: VornicCentral::RemoteVtepKey)
-  144  handleInvalidEdgeVport(pvKey: VornicCentral::PortVlanKey)
-  145  handleInvalidVlanVport(vlan: Bridging::VlanId)
-  146  handleInvalidEFilterDisableVport(intf: Netzo::IntfId)
-  147  allocVpIndex(indexPreferenceHigh: bool): U16
-  148  freeVpIndex(vpIndex: U32)
-  149  setVpBitmap(vpIndex: U32)
-  150  isDefaultVp(vpIndex: U32): bool const
-  151  recycleOrFreeVpIndex(vpIndex: U32)
-  152  verify() const
-  153  reconcile()
-  154  clearStaleEntries()
-  155  initialized: bool (read-only)
-  156  handleInitialized()
-)";
-
-constexpr char const* allocatorTable =
-    "VornicCentral::VpIndexAllocator("
-    "vpIndexAllocatorDirSm: Pelo::Ptr<VornicCentral::VpIndexAllocatorDirSm>, "
-    "vpIndexConfig: Pelo::Ptr<VornicCentral::VpIndexConfig const>, "
-    "vpIndexStatus: Pelo::Ptr<VornicCentral::VpIndexStatus>, "
-    "vpReference: Pelo::Ptr<VornicCentral::VpReferenceList>, vfiForwarding: bool)"
-    R"(
-  130  vpIndexAllocatorDirSm: Pelo::Ptr<VornicCentral::VpIndexAllocatorDirSm> (read-only)
-  131  vpIndexConfig: Pelo::Ptr<VornicCentral::VpIndexConfig const> (read-only)
-  132  vpIndexStatus: Pelo::Ptr<VornicCentral::VpIndexStatus> (read-only)
-  133  vpReference: Pelo::Ptr<VornicCentral::VpReferenceList> (read-only)
-  134  vfiForwarding: bool (read-only)
-  135  initialized: bool (read-only)
-  136  handleRemoteVport(remoteVtepKey: VornicCentral::RemoteVtepKey)
-  137  handleMlagRemoteVport(remoteVtepKey: VornicCentral::RemoteVtepKey)
-  138  handleEdgeVport(pvKey: VornicCentral::PortVlanKey)
-  139  handleVlanVport(vlan: Bridging::VlanId)
-  140  handleEFilterDisableVport(intf: Netzo::IntfId)
-  141  verify() const
-  142  verifyRemoteVpIndex() const
-  143  verifyMlagRemoteVpIndex() const
-  144  verifyEdgeVpIndex() const
-  145  verifyVlanVpIndex() const
-  146  verifyEFilterDisableVpIndex() const
-)";
 
 /// A running state machine with the client bgp, and its attributes through generic access.
 class TypeTable : public testing::Test {
@@ -97,14 +32,6 @@ protected:
 
     World world;
 };
-
-TEST_F(TypeTable, OfTheStateMachine) {
-    EXPECT_EQ(textOf(*world.sm->typeData()), stateMachineTable);
-}
-
-TEST_F(TypeTable, OfTheAllocator) {
-    EXPECT_EQ(textOf(*world.allocator("bgp").typeData()), allocatorTable);
-}
 
 TEST_F(TypeTable, ReadsTheAttributesOfTheStateMachine) {
     auto& sm = *world.sm;
@@ -216,6 +143,19 @@ TEST_F(TypeTable, BuildsAnAllocatorFromItsArguments) {
     EXPECT_EQ(built->name(), "mlag");
     EXPECT_TRUE(built->vfiForwarding());
     EXPECT_TRUE(built->initialized());
+}
+
+TEST_F(TypeTable, RefusesToBuildAnAllocatorOfNoStateMachine) {
+    Pelo::Ptr<VpIndexConfig const> const config = vpIndexConfigFactory("mlag");
+    U64 const before = VpIndexAllocator::allocationTracker().live();
+    EXPECT_THROW(Qor::genericIfConstructFromCtorArgs(
+                     VpIndexAllocator::typeTable(),
+                     {GenericValue::of(Pelo::Ptr<VpIndexAllocatorDirSm>()),
+                      GenericValue::of(config), GenericValue::of(vpIndexStatusFactory("mlag")),
+                      GenericValue::of(world.references), GenericValue::of(true)}),
+                 Qor::MutatorArgNullPointerException);
+    EXPECT_EQ(VpIndexAllocator::allocationTracker().live(), before);
+    EXPECT_FALSE(config->publisher()->hasSubscribers());
 }
 
 } // namespace

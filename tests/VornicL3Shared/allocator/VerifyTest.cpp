@@ -1,6 +1,8 @@
 // The checks of all records against each other and against the pool.
 
 #include "VornicL3Shared/allocator/KindTest.h"
+#include "VornicL3Shared/support/Death.h"
+#include "VornicL3Shared/support/References.h"
 
 #include <map>
 
@@ -9,6 +11,7 @@ namespace {
 using namespace VornicCentral;
 using Test::edge;
 using Test::Lines;
+using Test::referenceOf;
 using Test::vlan;
 
 /// The texts of one kind.
@@ -44,20 +47,10 @@ template <class Kind> Words words() {
                 " )"};
 }
 
-std::string escaped(std::string const& text) {
-    std::string result;
-    for (char const c : text) {
-        result += std::string("()!*[]+").find(c) == std::string::npos ? std::string(1, c)
-                                                                      : "\\" + std::string(1, c);
-    }
-    return result;
-}
-
 std::string failure(std::string const& type, std::string const& operation,
                     std::string const& text) {
-    return "/src/VornicL3Shared/VornicL3VpIndexAllocator:[0-9]+: " +
-           escaped("void VornicCentral::" + type + "::" + operation + "() const: Assertion '" +
-                   text + "' failed.");
+    return Test::assertionFailure("void VornicCentral::" + type + "::" + operation + "() const",
+                                  text);
 }
 std::string ofTable(std::string const& text) {
     return failure("VpIndexAllocatorDirSm", "verify", text);
@@ -103,6 +96,53 @@ TEST(Verify, APassingRunLeavesOnlyItsTraces) {
     EXPECT_EQ(world.state(), before);
 }
 
+TEST(Verify, AnAllocatorWithoutAConfigTracesBothSteps) {
+    ::Test::World world;
+    world.start();
+    auto const allocator = VpIndexAllocator::VpIndexAllocatorIs(
+        world.sm.get(), nullptr, vpIndexStatusFactory("bgp"), world.references, false);
+    world.capture.forget();
+    allocator->verify();
+    EXPECT_EQ(world.capture.traces(), allocatorTraces(""));
+}
+
+TEST(Verify, WithoutAStatusDirectoryEveryClientHoldsTheInvalidVirtualPort) {
+    ::Test::World world;
+    world.statusDir = nullptr;
+    world.start();
+    world.references->vlanVportIs(vlan(5).key, referenceOf(65535, {"bgp", "mlag"}));
+    world.sm->setVpBitmap(9); // for the reference, which counts as a set bit
+    world.capture.forget();
+    world.sm->verify();
+    EXPECT_EQ(world.capture.traces(),
+              (Lines{"1 verify", "5 verify verify vp indices match across statuses"}));
+}
+
+TEST(Verify, WithoutAReferenceListOnlyThePoolIsChecked) {
+    ::Test::World world;
+    world.references = nullptr;
+    world.client("bgp");
+    world.start();
+    world.capture.forget();
+    world.sm->verify();
+    Lines expected = allocatorTraces("bgp");
+    expected.insert(expected.begin(), "1 verify");
+    expected.push_back("5 verify verify vp indices match across statuses");
+    EXPECT_EQ(world.capture.traces(), expected);
+}
+
+TEST(Verify, ARequestOfAClientThatHasNoAllocatorIsNotChecked) {
+    ::Test::World world;
+    world.start();
+    world.sm->hasNotificationActiveIs(false);
+    world.client("bgp");
+    world.request("bgp", vlan(5));
+    world.capture.forget();
+    world.sm->verify();
+    EXPECT_EQ(world.capture.traces(),
+              (Lines{"1 verify", "5 verify verify vp indices match across statuses"}));
+}
+
 template <class Kind> class VerifyDeathTest : public ::Test::KindTest<Kind> {
 protected:
     VerifyDeathTest() {
@@ -115,6 +155,16 @@ protected:
     auto& status(char const* name) { return this->world.status(name); }
     auto& references() { return *this->world.references; }
     void verify() { this->world.sm->verify(); }
+    void loseIndexOf(char const* name) {
+        this->world.sm->freeVpIndex(15);
+        this->status(name).template is<Kind>(key, VirtualPort());
+    }
+    /// An allocator beside those of the state machine; each of the two records may be null.
+    Pelo::Ptr<VpIndexAllocator> allocatorOf(Pelo::Ptr<VpIndexConfig const> const& config,
+                                            Pelo::Ptr<VpIndexStatus> const& status) {
+        return VpIndexAllocator::VpIndexAllocatorIs(this->world.sm.get(), config, status,
+                                                    this->world.references, false);
+    }
     std::string ofKind(std::string const& text) {
         return failure("VpIndexAllocator", words<Kind>().operation, text);
     }
@@ -149,9 +199,7 @@ TYPED_TEST(VerifyDeathTest, AStatusKeyHasNoReference) {
 }
 
 TYPED_TEST(VerifyDeathTest, TheReferenceDoesNotNameTheClient) {
-    VpReference reference{VirtualPort(15)};
-    reference.referenceIs("mlag", true);
-    this->references().template is<TypeParam>(this->key, reference);
+    this->references().template is<TypeParam>(this->key, referenceOf(15, {"mlag"}));
     EXPECT_DEATH(this->verify(), this->ofKind("reference.referenceHas( name() )"));
 }
 
@@ -162,10 +210,27 @@ TYPED_TEST(VerifyDeathTest, TheReferenceHoldsAnotherVirtualPort) {
     EXPECT_DEATH(this->verify(), this->ofKind("reference.vPort() == vPort"));
 }
 
-TYPED_TEST(VerifyDeathTest, AStatusWithoutAnIndexPassesThePoolButNeedsConfigAndReference) {
-    this->world.sm->freeVpIndex(15);
-    this->status("bgp").template is<TypeParam>(this->key, VirtualPort());
+TYPED_TEST(VerifyDeathTest, ARequestWithTheValueFalseIsCheckedToo) {
+    auto const another = ::Test::numbered<TypeParam>(2).key;
+    this->world.config("bgp").template is<TypeParam>(another, false);
+    EXPECT_DEATH(this->verify(), this->ofKind(words<TypeParam>().statusHas));
+}
+
+TYPED_TEST(VerifyDeathTest, AStatusWithoutAnIndexPassesThePoolButMustAgreeWithTheReference) {
+    this->loseIndexOf("bgp");
     EXPECT_DEATH(this->verify(), this->ofKind("reference.vPort() == vPort"));
+}
+
+TYPED_TEST(VerifyDeathTest, AStatusWithoutAnIndexNeedsAConfigEntry) {
+    this->loseIndexOf("bgp");
+    this->world.config("bgp").template del<TypeParam>(this->key);
+    EXPECT_DEATH(this->verify(), this->ofKind(words<TypeParam>().configHas));
+}
+
+TYPED_TEST(VerifyDeathTest, AStatusWithoutAnIndexNeedsAReference) {
+    this->loseIndexOf("bgp");
+    this->references().template del<TypeParam>(this->key);
+    EXPECT_DEATH(this->verify(), this->ofKind(words<TypeParam>().referenceHas));
 }
 
 TYPED_TEST(VerifyDeathTest, AReferenceNamesNobody) {
@@ -193,6 +258,58 @@ TYPED_TEST(VerifyDeathTest, AReferenceWithoutAnIndexTakesItsFirstClientsAsTheOne
     this->references().template is<TypeParam>(this->key, reference);
     this->verify(); // both clients hold 15
     this->status("mlag").template is<TypeParam>(this->key, VirtualPort(14));
+    EXPECT_DEATH(this->verify(), ofTable(words<TypeParam>().statusesMatch));
+}
+
+TYPED_TEST(VerifyDeathTest, AReferenceWithoutAnIndexTakesTheFirstPortThatAClientHolds) {
+    this->world.sm->vpIndexAllocatorDelAll();
+    this->world.client("evpn");
+    this->status("bgp").template del<TypeParam>(this->key);
+    this->status("evpn").template is<TypeParam>(this->key, VirtualPort(14));
+    this->references().template is<TypeParam>(this->key, referenceOf(65535, {"bgp", "mlag"}));
+    this->verify(); // bgp has no entry, mlag holds 15
+    this->references().template is<TypeParam>(this->key,
+                                              referenceOf(65535, {"bgp", "mlag", "evpn"}));
+    EXPECT_DEATH(this->verify(), ofTable(words<TypeParam>().statusesMatch));
+}
+
+TYPED_TEST(VerifyDeathTest, AnAllocatorWithoutAConfigMayHoldNothing) {
+    auto const status = vpIndexStatusFactory("evpn");
+    auto const allocator = this->allocatorOf(nullptr, status);
+    allocator->verify();
+    status->is<TypeParam>(this->key, VirtualPort(15));
+    EXPECT_DEATH(allocator->verify(), this->ofKind(words<TypeParam>().configHas));
+}
+
+TYPED_TEST(VerifyDeathTest, AnAllocatorWithoutAStatusMayRequestNothing) {
+    auto const config = vpIndexConfigFactory("evpn");
+    auto const allocator = this->allocatorOf(config, nullptr);
+    allocator->hasNotificationActiveIs(false);
+    this->world.capture.forget();
+    allocator->verify();
+    EXPECT_EQ(this->world.capture.traces(), allocatorTraces("evpn"));
+    config->is<TypeParam>(this->key, true);
+    EXPECT_DEATH(allocator->verify(), this->ofKind(words<TypeParam>().statusHas));
+}
+
+TYPED_TEST(VerifyDeathTest, AnAllocatorWithoutAReferenceListMayHoldNothing) {
+    auto const config = vpIndexConfigFactory("evpn");
+    auto const status = vpIndexStatusFactory("evpn");
+    auto const allocator =
+        VpIndexAllocator::VpIndexAllocatorIs(this->world.sm.get(), config, status, nullptr, false);
+    allocator->hasNotificationActiveIs(false);
+    allocator->verify();
+    config->is<TypeParam>(this->key, true);
+    status->is<TypeParam>(this->key, VirtualPort(15));
+    EXPECT_DEATH(allocator->verify(), this->ofKind(words<TypeParam>().referenceHas));
+}
+
+TYPED_TEST(VerifyDeathTest, WithoutAStatusDirectoryNoReferenceMayHoldAnIndex) {
+    this->world.stop();
+    this->world.configDir = nullptr;
+    this->world.statusDir = nullptr;
+    this->world.start();
+    this->references().template is<TypeParam>(this->key, referenceOf(15, {"bgp"}));
     EXPECT_DEATH(this->verify(), ofTable(words<TypeParam>().statusesMatch));
 }
 

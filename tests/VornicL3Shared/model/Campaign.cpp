@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <random>
+#include <string_view>
 
 namespace ModelTest {
 namespace {
@@ -15,6 +16,14 @@ constexpr U64 allSequences = 2000;
 U64 fromEnvironment(char const* name, U64 otherwise) {
     char const* const value = std::getenv(name);
     return value == nullptr ? otherwise : std::stoull(value);
+}
+
+U64 seedFromEnvironment() {
+    char const* const value = std::getenv("VORNIC_MODEL_SEED");
+    if (value != nullptr && std::string_view(value) == "random") {
+        return U64{std::random_device()()} << 20;
+    }
+    return fromEnvironment("VORNIC_MODEL_SEED", Effort::usualSeed);
 }
 
 Sequence sequenceOf(Flavour const& flavour, Effort const& effort, U64 seed) {
@@ -55,9 +64,8 @@ private:
 
 Effort Effort::share(U64 percent) {
     U64 const all = fromEnvironment("VORNIC_MODEL_SEQUENCES", allSequences);
-    U64 const random = std::random_device()();
     U64 const steps = fromEnvironment("VORNIC_MODEL_STEPS", 0);
-    Effort effort{(all * percent + 99) / 100, fromEnvironment("VORNIC_MODEL_SEED", random << 20)};
+    Effort effort{(all * percent + 99) / 100, seedFromEnvironment()};
     if (steps != 0) {
         effort.fewestSteps = effort.mostSteps = steps;
     }

@@ -16,12 +16,14 @@ struct Failure {
 
 /// How much a run of random sequences does.
 ///
-/// The environment overrides it: VORNIC_MODEL_SEQUENCES (of all tests together),
-/// VORNIC_MODEL_STEPS, and VORNIC_MODEL_SEED, the seed of the first sequence (each next one has the
-/// next number).
+/// Every run does the same, unless the environment overrides it: VORNIC_MODEL_SEQUENCES (of all
+/// tests together), VORNIC_MODEL_STEPS, and VORNIC_MODEL_SEED, the seed of the first sequence (each
+/// next one has the next number) or `random`.
 struct Effort {
+    static constexpr U64 usualSeed = 4711;
+
     U64 sequences; ///< of this run
-    U64 firstSeed;
+    U64 firstSeed = usualSeed;
     std::size_t fewestSteps = 100;
     std::size_t mostSteps = 140;
 

@@ -22,7 +22,7 @@ bool same(LibraryRecord const& seen, Record<V> const& expected, LibraryKeys cons
     bool all = true;
     VornicCentral::forEachKind([&](auto kind) {
         using K = decltype(kind);
-        auto const& members = expected.kinds[K::order];
+        auto const& members = expected.kinds[VornicCentral::kindOrder<K>];
         auto const& collection = seen.template collection<K>();
         all = all && collection.memberCount() == members.size();
         typename LibraryRecord::template Collection<K>::Iterator it(collection);

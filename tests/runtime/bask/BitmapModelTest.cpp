@@ -72,8 +72,7 @@ protected:
     }
 
     U32 size_ = GetParam().size;
-    Pelo::Ptr<Bitmap> bitmap_ =
-        Pelo::Ptr<Bitmap>::adopt(new Bitmap(0, GetParam().size, GetParam().state));
+    Pelo::Ptr<Bitmap> bitmap_ = Pelo::newNode<Bitmap>(U64{0}, GetParam().size, GetParam().state);
     ModelBitmap model_{GetParam().size, GetParam().state};
 };
 

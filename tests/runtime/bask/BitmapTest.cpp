@@ -12,7 +12,7 @@ namespace {
 using BitState = HBitmap::BitState;
 
 Pelo::Ptr<Bitmap> makeBitmap(U32 size, BitState state = BitState::clear) {
-    return Pelo::Ptr<Bitmap>::adopt(new Bitmap(0, size, state));
+    return Pelo::newNode<Bitmap>(U64{0}, size, state);
 }
 
 constexpr U32 null = HBitmap::null();
@@ -29,7 +29,7 @@ U32 highest(Bitmap const& bitmap, U32 lo = 0, U32 hi = noBound) {
 TEST(Bitmap, NullIsAllOnes) { EXPECT_EQ(HBitmap::null(), 0xFFFFFFFFu); }
 
 TEST(Bitmap, KeepsWhatItWasBuiltWith) {
-    auto const bitmap = Pelo::Ptr<Bitmap>::adopt(new Bitmap(U64{1} << 40, 100, BitState::set));
+    auto const bitmap = Pelo::newNode<Bitmap>(U64{1} << 40, 100u, BitState::set);
     EXPECT_EQ(bitmap->id(), U64{1} << 40);
     EXPECT_EQ(bitmap->size(), 100u);
     EXPECT_EQ(bitmap->initialBitState(), BitState::set);

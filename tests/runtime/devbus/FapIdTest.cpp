@@ -1,5 +1,6 @@
 #include "devbus/FapId.h"
 
+#include "pelo/Hash.h"
 #include "support/ParseOutcome.h"
 
 #include <gtest/gtest.h>
@@ -28,6 +29,11 @@ TEST(FapId, EveryNumberReadsAsItPrintsAndHasAPlaceAndAHashOfItsOwn) {
         hashes.insert(fap.hash());
     }
     EXPECT_EQ(hashes.size(), FapId::directBound);
+}
+
+TEST(FapId, HashIsItsNumberMixedWithTheConstantOfTheType) {
+    EXPECT_EQ(FapId(0).hash(), Pelo::hashMix(0, 569662278));
+    EXPECT_EQ(FapId(200).hash(), Pelo::hashMix(200, 569662278));
 }
 
 TEST(FapId, RefusesWhatIsNoNumberOf8Bits) {

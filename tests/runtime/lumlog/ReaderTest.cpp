@@ -87,6 +87,15 @@ TEST_F(ReaderTest, FindsRingsWithinOtherBytes) {
     }
 }
 
+TEST_F(ReaderTest, FindsARingCloseBehindTheBeginningOfNone) {
+    auto const magicBytes = std::as_bytes(std::span(magic));
+    std::vector<std::byte> core(magicBytes.begin(), magicBytes.end());
+    core.insert(core.end(), ring_.bytes().begin(), ring_.bytes().end());
+    Dump dump(core);
+    EXPECT_EQ(Reader(dump.bytes()).offset(), magic.size());
+    EXPECT_EQ(Reader(dump.bytes()).rest(), original_);
+}
+
 TEST(Reader, FindsNothingWhereThereIsNoRing) {
     for (std::size_t const size : {0u, 1u, 16u, 191u, 192u, 5000u}) {
         Dump dump(std::vector<std::byte>(size, std::byte{0}));

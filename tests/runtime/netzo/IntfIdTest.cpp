@@ -118,6 +118,10 @@ TEST(IntfId, ParseTakesNamesWithoutControlCharacters) {
     EXPECT_EQ(parseOutcome<IntfId>("\x7F"), "at 0" + control);
     EXPECT_EQ(parseOutcome<IntfId>("Eth\0"sv), "at 3" + control);
     EXPECT_EQ(parseOutcome<IntfId>("Eth1\x1F"), "at 4" + control);
+    EXPECT_EQ(parseOutcome<IntfId>("\xC3\xA4\xC2\x80"), "at 2" + control);
+    EXPECT_EQ(parseOutcome<IntfId>("\xC2\x9F"), "at 0" + control);
+    EXPECT_EQ(parseOutcome<IntfId>("\xC2\xA0"), "\xC2\xA0");
+    EXPECT_EQ(parseOutcome<IntfId>("\x80"), "\x80"); // no character of UTF-8
 }
 
 TEST(IntfId, LastIdOfANameTakesItOutOfTheTable) {

@@ -1,11 +1,14 @@
 #include "pelo/Node.h"
 
+#include "qor/Entity.h"
 #include "support/MultiThreaded.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <atomic>
+#include <bit>
+#include <cstddef>
 #include <latch>
 #include <thread>
 #include <vector>
@@ -98,6 +101,27 @@ TEST(Node, PublishesNothingAndDescribesNothingUnlessItsTypeDoes) {
     Lamp const lamp(destroyed);
     EXPECT_EQ(lamp.publisher(), nullptr);
     EXPECT_EQ(lamp.typeData(), nullptr);
+}
+
+/// The place of a virtual function in the table of its class, as the Itanium C++ ABI keeps it in a
+/// pointer to member: the offset in bytes, on some processors plus one.
+template <class Function> std::size_t slotOf(Function function) {
+    struct Pointer {
+        std::ptrdiff_t offset;
+        std::ptrdiff_t adjustment;
+    };
+    return static_cast<std::size_t>(std::bit_cast<Pointer>(function).offset) / sizeof(void*);
+}
+
+TEST(Node, VirtualFunctionsHaveTheSlotsThatOthersCallThemBy) {
+    struct Opened : Qor::Entity {
+        static std::size_t slotOfLastUserGone() { return slotOf(&Opened::lastUserGone); }
+    };
+    std::vector<std::size_t> const slots{Opened::slotOfLastUserGone(), slotOf(&Node::publisher),
+                                         slotOf(&Node::typeData),
+                                         slotOf(&Qor::Entity::handleParent)};
+    std::vector<std::size_t> const behindTheDestructor{2, 3, 4, 5}; // which takes two
+    EXPECT_EQ(slots, behindTheDestructor);
 }
 
 TEST(Node, UsesTakenAndGivenBackByManyThreadsAreAllCounted) {

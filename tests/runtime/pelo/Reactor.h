@@ -25,14 +25,12 @@ public:
           action_(std::move(action)) {}
 
     Pelo::Subscriber subscriber;
-    bool keysArePrinted = true; ///< to be switched off where keys are no numbers
 
 private:
     static void dispatch(Pelo::Publisher*, Pelo::Subscriber* subscriber, Pelo::FieldId field,
                          void const* key, void const* value) noexcept {
         auto const& self = subscriber->owner<Reactor>();
-        self.calls_.push_back(self.name_ + ' ' + std::to_string(field) +
-                              printed(".", self.keysArePrinted ? key : nullptr) +
+        self.calls_.push_back(self.name_ + ' ' + std::to_string(field) + printed(".", key) +
                               printed("=", value));
         if (Action const action = self.action_) { // a copy: the reactor may be destroyed
             action();

@@ -25,8 +25,8 @@ using Pelo::AllocationTracker;
 using Pelo::slabAllocate;
 using Pelo::slabRelease;
 
-/// An object of the given size; each type has a tracker of its own.
-template <std::size_t size> struct Box : Pelo::SlabAllocated<Box<size>> {
+/// A node of the given content; each type has a tracker of its own.
+template <std::size_t size> struct Box final : Pelo::Node, Pelo::SlabAllocated<Box<size>> {
     std::array<unsigned char, size> content;
 };
 
@@ -35,38 +35,61 @@ TEST(Slab, TrackerCountsTheObjectsOfItsType) {
     using Other = Box<49>;
     AllocationTracker const& tracker = Counted::allocationTracker();
     EXPECT_EQ(tracker.objectSize(), 0u);
-    auto one = std::make_unique<Counted>();
-    auto two = std::make_unique<Counted>();
-    auto const other = std::make_unique<Other>();
-    EXPECT_EQ(tracker.objectSize(), 48u);
+    auto one = Pelo::newNode<Counted>();
+    auto two = Pelo::newNode<Counted>();
+    auto const other = Pelo::newNode<Other>();
+    EXPECT_EQ(tracker.objectSize(), sizeof(Counted));
     EXPECT_EQ(tracker.live(), 2u);
-    one.reset();
+    one = nullptr;
     EXPECT_EQ(tracker.live(), 1u);
     EXPECT_EQ(tracker.allocated(), 2u);
-    two.reset();
+    two = nullptr;
     EXPECT_EQ(tracker.live(), 0u);
     EXPECT_EQ(Other::allocationTracker().live(), 1u);
 }
 
-struct Fragile : Pelo::SlabAllocated<Fragile> {
-    explicit Fragile(bool broken) : where(this) {
+template <std::size_t size> struct Fragile final : Pelo::Node, Pelo::SlabAllocated<Fragile<size>> {
+    explicit Fragile(bool broken) {
+        lastBuilt = this;
         if (broken) {
-            lastBroken = this;
             throw std::runtime_error("broken");
         }
     }
-    void const* where;
-    static inline void const* lastBroken = nullptr;
+    std::array<unsigned char, size> content;
+    static inline void const* lastBuilt = nullptr;
 };
 
 TEST(Slab, ConstructorThatThrowsReturnsTheStorageAndUndoesTheRecord) {
-    auto const before = std::make_unique<Fragile>(false);
-    EXPECT_EQ(Fragile::allocationTracker().live(), 1u);
-    EXPECT_THROW(std::make_unique<Fragile>(true), std::runtime_error);
-    EXPECT_EQ(Fragile::allocationTracker().live(), 1u);
-    auto const after = std::make_unique<Fragile>(false);
-    EXPECT_EQ(after->where, Fragile::lastBroken); // the same storage is used again
+    using Object = Fragile<100>;
+    AllocationTracker const& tracker = Object::allocationTracker();
+    EXPECT_THROW(Pelo::newNode<Object>(true), std::runtime_error);
+    EXPECT_EQ(tracker.objectSize(), 0u);
+    EXPECT_EQ(tracker.allocated(), 0u);
+    EXPECT_EQ(tracker.live(), 0u);
+    auto before = Pelo::newNode<Object>(false);
+    EXPECT_THROW(Pelo::newNode<Object>(true), std::runtime_error);
+    EXPECT_EQ(tracker.objectSize(), sizeof(Object));
+    EXPECT_EQ(tracker.allocated(), 1u);
+    EXPECT_EQ(tracker.live(), 1u);
+    void const* const broken = Object::lastBuilt;
+    auto const after = Pelo::newNode<Object>(false);
+    EXPECT_EQ(after.get(), broken); // the same storage is used again
+    before = nullptr;
+    EXPECT_EQ(tracker.allocated(), 2u);
+    EXPECT_EQ(tracker.live(), 1u);
 }
+
+TEST(Slab, ConstructorOfALargeObjectMayThrow) {
+    using Object = Fragile<10000>;
+    EXPECT_THROW(Pelo::newNode<Object>(true), std::runtime_error);
+    EXPECT_EQ(Object::allocationTracker().allocated(), 0u);
+    EXPECT_EQ(Object::allocationTracker().live(), 0u);
+}
+
+/// Plain `new` could not undo the record.
+template <class T>
+concept PlainlyBuilt = requires { new T; };
+static_assert(PlainlyBuilt<std::array<int, 1>> && !PlainlyBuilt<Box<1>>);
 
 class Root : public Pelo::Node {};
 struct SmallLeaf final : Root, Pelo::SlabAllocated<SmallLeaf> {};

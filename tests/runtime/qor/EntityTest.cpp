@@ -79,24 +79,6 @@ TEST(Entity, PublishesAttributesAndMembersAfterTheChange) {
     EXPECT_EQ(counts, (std::vector<U32>{1, 1, 2, 1}));
 }
 
-TEST(Entity, KnowsWhichOfItsChangesIsBeingPublished) {
-    Calls calls;
-    auto const tank = Pelo::newNode<Tank>("diesel");
-    std::vector<bool> echoes;
-    Reactor echo(calls, "echo", [&] {
-        int const one = 1;
-        echoes.push_back(tank->publisher()->isPublishing(131, &one));
-        if (tank->level().memberCount() < 2) {
-            tank->levelIs(2, 9);
-        }
-    });
-    tank->publisher()->subscriberAdd(&echo.subscriber, false);
-    tank->levelIs(1, 5);
-    tank->capacityIs(1);
-    EXPECT_EQ(calls, (Calls{"echo 131.1=5", "echo 131.2=9", "echo 130=1"}));
-    EXPECT_EQ(echoes, (std::vector<bool>{true, true, false}));
-}
-
 TEST(Entity, LeavesItsSubscribersUnsubscribedWhenItGoes) {
     Calls calls;
     Reactor gauge(calls, "gauge");

@@ -25,7 +25,7 @@ Pelo::Ptr<Fan> Fan::FanIs(Pelo::String const& name, U16 slot, Fan const* neighbo
     if (name.empty()) {
         Qor::throwMutatorArgNullPointerException("FanIs", "name");
     }
-    return Pelo::Ptr<Fan>::adopt(new Fan(name, slot, neighbour));
+    return Pelo::newNode<Fan>(name, slot, neighbour);
 }
 
 void Fan::speedIs(U32 speed) {
@@ -64,12 +64,14 @@ U32 Fan::selfTest(U16 seconds, bool thorough) {
 Qor::TypeData const& Fan::typeTable() {
     static Qor::TypeData const table =
         Qor::TypeBuilder<Fan>("Cooling::Fan")
+            .doc("a fan of the tray")
             .constructor(&Fan::FanIs, {"name", "slot", "neighbour"})
             .attribute(Qor::nameStringField, "nameString", &Fan::nameString)
             .attribute(155, "slot", &Fan::slot)
             .attribute(156, "neighbour", &Fan::neighbour)
             .attribute(258, "speed", &Fan::speed)
             .set(&Fan::speedIs)
+            .doc("turns a minute")
             .collection(259, "alarm", "sensor", &Fan::alarm)
             .set(&Fan::alarmIs)
             .del(&Fan::alarmDel)

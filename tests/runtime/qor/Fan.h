@@ -34,6 +34,7 @@ public:
     static constexpr char const* path = "cooling/fan";
     static constexpr U16 numberOfBlades = 2;
 
+    Fan(Pelo::String const& name, U16 slot, Fan const* neighbour);
     static Pelo::Ptr<Fan> FanIs(Pelo::String const& name, U16 slot, Fan const* neighbour);
 
     U16 slot() const { return slot_; }
@@ -71,8 +72,6 @@ public:
     Qor::TypeData const* typeData() const override;
 
 private:
-    Fan(Pelo::String const& name, U16 slot, Fan const* neighbour);
-
     U16 slot_;
     Fan const* neighbour_;
     U32 speed_ = 0;

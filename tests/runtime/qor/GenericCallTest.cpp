@@ -98,6 +98,15 @@ TEST_F(CallByName, ReadsTheArgumentsAsDeclared) {
     EXPECT_EQ(fan->calls, (std::vector<std::string>{"selfTest", "handleAlarm heat of it"}));
 }
 
+TEST_F(CallByName, LeavesTheMutatorsOfSharedEntitiesToTheirNumbers) {
+    std::string const expected =
+        "refused operation@0: an operation of Cooling::Fan: selfTest, serves, "
+        "isFasterThan, handleAlarm, jam";
+    EXPECT_EQ(call("speedIs", {"1200"}), expected);
+    EXPECT_EQ(call("alarmDelAll", {}), expected);
+    EXPECT_EQ(fan->speed(), 0u);
+}
+
 TEST_F(CallByName, RefusesWhatIsNoOperation) {
     std::string const expected =
         "refused operation@0: an operation of Cooling::Fan: selfTest, serves, "

@@ -174,19 +174,40 @@ TEST_F(TraceEvaluation, EvaluatesForTheLineWhenThereIsNoRing) {
     EXPECT_EQ(counts_, (Counts{1, 1, 0, 0}));
 }
 
-TEST_F(TraceEvaluation, EvaluatesNothingForADisabledMessage) {
+/// Which message it is shows in the pieces.
+TEST_F(TraceEvaluation, EvaluatesAlsoForADisabledMessage) {
     handle_.levelIs(5, false);
     trace();
     for (Lumlog::DecodedRecord const& decoded : Lumlog::Reader(ring_.bytes()).rest()) {
         ring_.messageEnabledIs(decoded.msgId, false);
     }
     trace();
-    EXPECT_EQ(counts_, (Counts{1, 0, 1, 1}));
-    EXPECT_EQ(records().size(), 3u);
+    EXPECT_EQ(counts_, (Counts{2, 0, 2, 2}));
     handle_.levelIs(5, true);
     trace();
-    EXPECT_EQ(counts_, (Counts{2, 1, 1, 1}));
-    EXPECT_EQ(records().size(), 3u);
+    EXPECT_EQ(counts_, (Counts{3, 1, 3, 3}));
+    EXPECT_EQ(records(), (Texts{"op 1", "op 1", "op 1"}));
+    EXPECT_EQ(lines_, (Texts{"op 3", "op 1"}));
+}
+
+TEST_F(Trace, DisablingOneWordingLeavesTheOthersOfItsSite) {
+    auto const say = [&](Words which) {
+        QOR_TRACE(handle_, 1, unit, "both ", which);
+        QOR_TRACE_TWIN(handle_, 1, unit, "twin ", (which), (which));
+        QOR_RING_ONLY(handle_, 1, unit, "ring ", which);
+    };
+    say("one");
+    for (Lumlog::DecodedRecord const& decoded : Lumlog::Reader(ring_.bytes()).rest()) {
+        ring_.messageEnabledIs(decoded.msgId, false);
+    }
+    say("one");
+    say("two");
+    say("two");
+    EXPECT_EQ(records(), (Texts{"both one", "twin one", "ring one", //
+                                "both two", "twin two", "ring two", //
+                                "both two", "twin two", "ring two"}));
+    EXPECT_EQ(lines_, (Texts{"both one", "twin one", "both one", "twin one", //
+                             "both two", "twin two", "both two", "twin two"}));
 }
 
 TEST_F(Trace, HandleIsEvaluatedOnce) {

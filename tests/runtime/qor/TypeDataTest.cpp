@@ -22,10 +22,12 @@ TEST(TypeData, ListsFieldsInTheOrderOfTheirDeclaration) {
     out << Fan::typeTable() << Sensor::typeTable();
     EXPECT_EQ(out.str(), "Cooling::Fan(name: Pelo::String, slot: U16, "
                          "neighbour: Pelo::Ptr<Cooling::Fan const>)\n"
+                         "  a fan of the tray\n"
                          "  154  nameString: Pelo::String (read-only)\n"
                          "  155  slot: U16 (read-only)\n"
                          "  156  neighbour: Pelo::Ptr<Cooling::Fan const> (read-only)\n"
                          "  258  speed: U32\n"
+                         "       turns a minute\n"
                          "  259  alarm[sensor: Pelo::String]: U16\n"
                          "  260  blade[position: U16]: Pelo::Ptr<Cooling::Blade> (read-only)\n"
                          "  261  owner: Pelo::Ptr<Cooling::Blade>\n"
@@ -50,6 +52,14 @@ TEST(TypeData, FindsEachFieldByNumberAndByName) {
     EXPECT_EQ(type.fieldByNumber(130), nullptr);
     EXPECT_EQ(type.fieldByName("Speed"), nullptr);
     EXPECT_EQ(type.fieldByName(""), nullptr);
+}
+
+TEST(TypeData, KeepsTheDocumentationOfTheTypeAndOfEachField) {
+    TypeData const& type = Fan::typeTable();
+    EXPECT_EQ(type.documentation(), "a fan of the tray");
+    EXPECT_EQ(type.fieldByName("speed")->documentation, "turns a minute");
+    EXPECT_EQ(type.fieldByName("slot")->documentation, "");
+    EXPECT_EQ(Sensor::typeTable().documentation(), "");
 }
 
 TEST(TypeData, AcceptsOperationCodesAsDeclared) {
@@ -81,6 +91,13 @@ TEST(TypeBuilderDeathTest, StopsOnAFieldThatIsThereTwice) {
                      .set(&Fan::speedIs)
                      .set(&Fan::speedIs),
                  "field.access\\(access.code\\) == nullptr");
+}
+
+TEST(TypeBuilderDeathTest, StopsOnADocumentationThatIsThereTwice) {
+    EXPECT_DEATH(TypeBuilder<Fan>("F").doc("a fan").doc("one"), "documentation.empty\\(\\)");
+    EXPECT_DEATH(
+        TypeBuilder<Fan>("F").doc("a fan").operation(1, "jam", &Fan::jam).doc("stops").doc("ends"),
+        "documentation.empty\\(\\)");
 }
 
 TEST(TypeBuilderDeathTest, StopsOnAMutatorThatDoesNotFit) {

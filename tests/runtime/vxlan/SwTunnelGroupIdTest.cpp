@@ -68,6 +68,36 @@ TEST(SwTunnelGroupId, AMoveHandsTheUseOver) {
     EXPECT_EQ(users(18), 1u);
 }
 
+TEST(SwTunnelGroupId, RefIncAddsAUser) {
+    SwTunnelGroupId const group(17);
+    group.refInc();
+    group.refInc();
+    EXPECT_EQ(users(17), 3u);
+    group.refDec();
+    SwTunnelGroupId(17).refDec();
+    EXPECT_EQ(users(17), 1u);
+}
+
+TEST(SwTunnelGroupId, AnAddedUserKeepsTheGroupWithoutAnyId) {
+    std::size_t const before = SwTunnelGroupId::refcountTable().size();
+    SwTunnelGroupId(17).refInc();
+    EXPECT_EQ(users(17), 1u);
+    EXPECT_EQ(SwTunnelGroupId::refcountTable().size(), before + 1);
+    SwTunnelGroupId(17).refDec();
+    EXPECT_EQ(users(17), 0u);
+    EXPECT_EQ(SwTunnelGroupId::refcountTable().size(), before);
+}
+
+TEST(SwTunnelGroupId, AMovedFromIdHasNoGroupToAddAUserTo) {
+    SwTunnelGroupId one(17);
+    SwTunnelGroupId const moved(std::move(one));
+    U32 const ofZero = users(0);
+    one.refInc(); // NOLINT(bugprone-use-after-move): a moved-from id is nobody's user
+    one.refDec();
+    EXPECT_EQ(users(17), 1u);
+    EXPECT_EQ(users(0), ofZero);
+}
+
 TEST(SwTunnelGroupId, GroupsLeaveTheTableWithTheirLastUser) {
     std::size_t const before = SwTunnelGroupId::refcountTable().size();
     {

@@ -14,6 +14,7 @@ public:
 
     static Pelo::Ptr<VpIndexConfig> VpIndexConfigIs(Pelo::String const& name);
 
+    static Qor::TypeData const& typeTable();
     Qor::TypeData const* typeData() const override;
 };
 

@@ -8,7 +8,7 @@ namespace VornicCentral {
 
 /// What one client was given: a virtual port per requested key, and the client's counters.
 ///
-/// The invalid virtual port under a key says that the table was full when the key was requested.
+/// The invalid virtual port under a key says that the key holds no index.
 /// Written by the client's allocator and by the directory state machine, read by the chip
 /// programmers. Counters wrap at 2^32.
 class VpIndexStatus final : public VpRecord<VirtualPort>,
@@ -29,7 +29,8 @@ public:
     U32 vpAllocFailures() const noexcept { return vpAllocFailures_; }
     /// Indices that this client gave back, whether or not another client keeps them in use.
     U32 vpFreeRequests() const noexcept { return vpFreeRequests_; }
-    /// The size of the VP table, in entries; no valid index above it stands in this record.
+    /// The size of the VP table, in entries. No index that the pool gave is above it; one that was
+    /// recovered after a restart with a smaller table may be.
     U32 vpTableSize() const noexcept { return vpTableSize_; }
 
     void vpAllocRequestsInc(U32 amount) {
@@ -48,6 +49,7 @@ public:
     void vpAllocFailuresIs(U32 value) { counterIs(vpAllocFailures_, value, vpAllocFailuresField); }
     void vpFreeRequestsIs(U32 value) { counterIs(vpFreeRequests_, value, vpFreeRequestsField); }
 
+    static Qor::TypeData const& typeTable();
     Qor::TypeData const* typeData() const override;
 
 private:

@@ -7,7 +7,8 @@ namespace VornicCentral {
 
 /// The keys whose reference holds the invalid virtual port and which wait for an index: one record
 /// for the whole system, in the order in which the keys began to wait. Written by the directory
-/// state machine, and only while reallocation is enabled.
+/// state machine: it adds keys only while reallocation is enabled; one that does not wait any more
+/// is taken off in any case when an index is recycled.
 class VpInvalidReferenceList final : public VpRecord<bool>,
                                      public Pelo::SlabAllocated<VpInvalidReferenceList> {
 public:
@@ -15,6 +16,7 @@ public:
 
     static Pelo::Ptr<VpInvalidReferenceList> VpInvalidReferenceListIs(Pelo::String const& name);
 
+    static Qor::TypeData const& typeTable();
     Qor::TypeData const* typeData() const override;
 };
 

@@ -41,6 +41,9 @@ public:
     const_iterator begin() const noexcept;
     const_iterator end() const noexcept { return begin() + size_; }
 
+    /// The same for equal sets, whatever the order. Cost: a walk, over hashes that the names keep.
+    U64 hash() const noexcept;
+
     /// The names in brackets, as `[bgp, mlag]`.
     std::string stringValue() const;
 

@@ -19,27 +19,31 @@ namespace VornicCentral {
 /// For each collection the record offers, by the kind as a template argument and by the
 /// collection's name:
 ///
-///     has<EdgeVport>(key)         edgeVportHas(key)         whether the key is there
-///     get<EdgeVport>(key)         edgeVport(key)            its value; a default value when it is
-///     not there is<EdgeVport>(key, value)   edgeVportIs(key, value)   insert or replace
-///     del<EdgeVport>(key)         edgeVportDel(key)         delete; returns the removed value, or
-///     a default one delAll<EdgeVport>()         edgeVportDelAll()         empty: in one step when
-///     nobody subscribes, else one by one collection<EdgeVport>()     edgeVport()               the
-///     collection, for walks and its member count
+///     has<EdgeVport>(key)         edgeVportHas(key)        whether the key is there
+///     get<EdgeVport>(key)         edgeVport(key)           its value, or a default value
+///     is<EdgeVport>(key, value)   edgeVportIs(key, value)  insert or replace
+///     del<EdgeVport>(key)         edgeVportDel(key)        delete; the removed or a default value
+///     delAll<EdgeVport>()         edgeVportDelAll()        empty the collection
+///     collection<EdgeVport>()     edgeVport()              the collection, to walk and to count
+///
+/// A collection is emptied in one step when nobody subscribes, and else one by one, so that each
+/// removal is published. No more members are removed than there were at first, so it ends whatever
+/// the subscribers do; what they insert meanwhile may be left.
 ///
 /// Cost: that of the collection and one call a subscriber. Not thread-safe.
 template <class V> class VpRecord : public Qor::Entity {
-    using Collections =
-        std::tuple<Qor::HashMap2018<RemoteVport::Key, V>, Qor::HashMap2018<MlagRemoteVport::Key, V>,
-                   Qor::HashMap2018<EdgeVport::Key, V>, Qor::HashMap2018<VlanVport::Key, V>,
-                   Qor::HashMap2018<EFilterDisableVport::Key, V>>;
+    template <class List> struct CollectionOfEach;
+    template <class... Kind> struct CollectionOfEach<std::tuple<Kind...>> {
+        using Type = std::tuple<Qor::HashMap2018<typename Kind::Key, V>...>;
+    };
+    using Collections = typename CollectionOfEach<Kinds>::Type;
 
 public:
     using Value = V;
     template <class Kind> using Collection = Qor::HashMap2018<typename Kind::Key, V>;
 
     template <class Kind> Collection<Kind> const& collection() const noexcept {
-        return std::get<Kind::order>(collections_);
+        return std::get<kindOrder<Kind>>(collections_);
     }
     template <class Kind> bool has(typename Kind::Key const& key) const noexcept {
         return collection<Kind>().has(key);
@@ -83,7 +87,9 @@ public:
             mutableCollection<Kind>().memberDelAll();
             return;
         }
-        for (typename Collection<Kind>::Iterator it(collection<Kind>()); it; it.advance()) {
+        U32 left = collection<Kind>().memberCount();
+        for (typename Collection<Kind>::Iterator it(collection<Kind>()); it && left-- != 0;
+             it.advance()) {
             del<Kind>(it.key());
         }
     }
@@ -114,7 +120,7 @@ protected:
 
 private:
     template <class Kind> Collection<Kind>& mutableCollection() noexcept {
-        return std::get<Kind::order>(collections_);
+        return std::get<kindOrder<Kind>>(collections_);
     }
 
     Collections collections_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Hash.h"
 #include "pelo/String.h"
 #include "vpstate/VirtualPort.h"
 #include "vpstate/VpNames.h"
@@ -11,7 +12,7 @@ namespace VornicCentral {
 
 /// What the reference list keeps for a key: the virtual port that the key holds, and the names of
 /// the allocators that request it. Default-built it holds the invalid virtual port and no name;
-/// while it is in the list it has at least one name.
+/// while it is in the list it has at least one name, but for a while after a restart.
 ///
 /// A value: it is read out of the list, changed, and written back. Two are equal when they hold the
 /// same virtual port and the same names, whatever the order. The text form is for people:
@@ -34,6 +35,7 @@ public:
     bool referenceDel(Pelo::String const& name) noexcept { return references_.remove(name); }
     void referenceDelAll() noexcept { references_.clear(); }
 
+    U64 hash() const noexcept { return Pelo::hashMix(references_.hash(), vPort_.vpIndex()); }
     std::string stringValue() const;
 
     friend bool operator==(VpReference const&, VpReference const&) noexcept = default;

@@ -19,6 +19,7 @@ public:
 
     static Pelo::Ptr<VpReferenceList> VpReferenceListIs(Pelo::String const& name);
 
+    static Qor::TypeData const& typeTable();
     Qor::TypeData const* typeData() const override;
 };
 

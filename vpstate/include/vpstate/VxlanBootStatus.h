@@ -15,6 +15,7 @@ public:
 
     static Pelo::Ptr<VxlanBootStatus> VxlanBootStatusIs(Pelo::String const& name);
 
+    static Qor::TypeData const& typeTable();
     Qor::TypeData const* typeData() const override;
 };
 

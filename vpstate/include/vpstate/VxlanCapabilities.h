@@ -11,6 +11,8 @@ namespace VornicCentral {
 /// changes.
 class VxlanCapabilities final : public Qor::Entity, public Pelo::SlabAllocated<VxlanCapabilities> {
 public:
+    VxlanCapabilities(Pelo::String const& name, bool remoteVportLowIndex);
+
     static Pelo::Ptr<VxlanCapabilities> VxlanCapabilitiesIs(Pelo::String const& name,
                                                             bool remoteVportLowIndex);
 
@@ -18,8 +20,10 @@ public:
     /// the highest.
     bool remoteVportLowIndex() const noexcept { return remoteVportLowIndex_; }
 
+    static Qor::TypeData const& typeTable();
+    Qor::TypeData const* typeData() const override;
+
 private:
-    VxlanCapabilities(Pelo::String const& name, bool remoteVportLowIndex);
     ~VxlanCapabilities() override;
 
     bool const remoteVportLowIndex_;

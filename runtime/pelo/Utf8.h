@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace Pelo {
+
+/// One character of a UTF-8 text.
+struct Utf8Character {
+    char32_t codePoint = 0;
+    std::size_t length = 0; ///< in bytes; 0 when the bytes are not UTF-8
+};
+
+/// The character that begins `offset` bytes into `text`, which must be less than its size. Overlong
+/// forms, surrogates and values above U+10FFFF are not UTF-8.
+Utf8Character utf8At(std::string_view text, std::size_t offset) noexcept;
+
+/// Whether a terminal would act upon the character instead of showing it: U+0000 to U+001F and
+/// U+007F to U+009F.
+constexpr bool isControl(char32_t codePoint) noexcept {
+    return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0);
+}
+
+/// The number of characters; a byte that is not UTF-8 counts as one.
+std::size_t utf8Length(std::string_view text) noexcept;
+
+/// `text` in a form that is safe to show: control characters and bytes that are not UTF-8 become
+/// `\x1B`.
+std::string printable(std::string_view text);
+
+/// `byte` as `0x1B`.
+std::string hexByte(unsigned char byte);
+
+} // namespace Pelo

@@ -1,0 +1,127 @@
+#include "RingFixture.h"
+#include "lumlog/CtfWriter.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <system_error>
+
+namespace Lumlog {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// No file of this process may become larger while the object lives.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        ::getrlimit(RLIMIT_FSIZE, &former_);
+        rlimit const limit{bytes, former_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        formerHandler_ = std::signal(SIGXFSZ, SIG_IGN);
+    }
+    ~FileSizeLimit() {
+        ::setrlimit(RLIMIT_FSIZE, &former_);
+        std::signal(SIGXFSZ, formerHandler_);
+    }
+    FileSizeLimit(FileSizeLimit const&) = delete;
+    FileSizeLimit& operator=(FileSizeLimit const&) = delete;
+
+private:
+    rlimit former_{};
+    void (*formerHandler_)(int);
+};
+
+class CtfFolder : public RingTest {
+protected:
+    CtfFolder() {
+        fs::remove_all(folder_);
+        fs::create_directory(folder_);
+        write("n", 1);
+    }
+    ~CtfFolder() override { fs::remove_all(folder_); }
+
+    CtfWriter trace() const {
+        Reader reader(ring_.bytes());
+        return CtfWriter(reader);
+    }
+
+    /// Why the trace could not be written to a folder; empty when it was written.
+    std::error_code failure(fs::path const& name) const {
+        try {
+            trace().write(folder_ / name);
+        } catch (fs::filesystem_error const& error) {
+            return error.code();
+        }
+        return {};
+    }
+
+    /// All that is in the test's folder: files with their contents, folders with "(folder)".
+    std::map<std::string, std::string> content() const {
+        std::map<std::string, std::string> all;
+        for (fs::directory_entry const& entry : fs::recursive_directory_iterator(folder_)) {
+            std::ifstream file(entry.path(), std::ios::binary);
+            all[fs::relative(entry.path(), folder_).string()] =
+                entry.is_directory() ? "(folder)"
+                                     : std::string{std::istreambuf_iterator<char>(file), {}};
+        }
+        return all;
+    }
+    using Content = std::map<std::string, std::string>;
+
+    fs::path folder_ = testing::TempDir() + "lumlog-ctf-" + std::to_string(::getpid());
+};
+
+TEST_F(CtfFolder, IsMadeWithTheTwoFilesOfTheTrace) {
+    EXPECT_EQ(failure("trace"), std::error_code());
+    EXPECT_EQ(content(), (Content{{"trace", "(folder)"},
+                                  {"trace/metadata", trace().metadata()},
+                                  {"trace/stream", trace().stream()}}));
+}
+
+TEST_F(CtfFolder, MayBeThereWhenItIsEmpty) {
+    fs::create_directory(folder_ / "trace");
+    EXPECT_EQ(failure("trace/"), std::error_code());
+    EXPECT_EQ(content().size(), 3u);
+}
+
+TEST_F(CtfFolder, IsLeftAloneWhenItIsNotEmpty) {
+    fs::create_directory(folder_ / "trace");
+    std::ofstream(folder_ / "trace" / "note") << "mine";
+    EXPECT_EQ(failure("trace"), std::errc::directory_not_empty);
+    EXPECT_EQ(content(), (Content{{"trace", "(folder)"}, {"trace/note", "mine"}}));
+}
+
+TEST_F(CtfFolder, IsNotMadeInAFolderThatIsNotThere) {
+    EXPECT_EQ(failure("missing/trace"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(content(), Content{});
+}
+
+TEST_F(CtfFolder, IsNotMadeOfAFile) {
+    std::ofstream(folder_ / "trace") << "mine";
+    EXPECT_TRUE(failure("trace"));
+    EXPECT_EQ(content(), (Content{{"trace", "mine"}}));
+}
+
+/// The stream fits below each limit but the first, the metadata below none.
+TEST_F(CtfFolder, LeavesNothingBehindWhenWritingFails) {
+    std::size_t const stream = trace().stream().size();
+    for (std::size_t const limit : {stream - 1, stream, trace().metadata().size() - 1}) {
+        FileSizeLimit const atMost(limit);
+        EXPECT_EQ(failure("trace"), std::errc::file_too_large) << limit;
+        EXPECT_EQ(content(), Content{}) << limit;
+    }
+    fs::create_directory(folder_ / "empty");
+    FileSizeLimit const atMost(stream);
+    EXPECT_EQ(failure("empty"), std::errc::file_too_large);
+    EXPECT_EQ(content(), (Content{{"empty", "(folder)"}}));
+}
+
+} // namespace
+} // namespace Lumlog
