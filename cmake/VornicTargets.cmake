@@ -22,7 +22,9 @@ add_library(vornic_sanitizers INTERFACE)
 if(VORNIC_SANITIZE)
     list(JOIN VORNIC_SANITIZE "," vornic_sanitize_names)
     target_compile_options(vornic_sanitizers INTERFACE
-        -fsanitize=${vornic_sanitize_names} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        -fsanitize=${vornic_sanitize_names} -fno-sanitize-recover=all -fno-omit-frame-pointer
+        # GCC loses track of what is set between the calls that a sanitizer adds.
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     target_link_options(vornic_sanitizers INTERFACE -fsanitize=${vornic_sanitize_names})
 endif()
 
