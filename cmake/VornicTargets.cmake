@@ -2,11 +2,13 @@
 
 include_guard(GLOBAL)
 include(CheckCXXCompilerFlag)
+include(CheckIPOSupported)
 include(CMakePackageConfigHelpers)
 
 check_cxx_compiler_flag(-fno-semantic-interposition VORNIC_HAS_NO_SEMANTIC_INTERPOSITION)
 find_program(VORNIC_CCACHE ccache DOC "Compiler cache, used when it is there")
 mark_as_advanced(VORNIC_CCACHE)
+set(VORNIC_CMAKE_DIR ${CMAKE_CURRENT_LIST_DIR})
 
 # Flags that only building this project needs. Neither target is exported.
 add_library(vornic_warnings INTERFACE)
@@ -18,29 +20,39 @@ target_compile_options(vornic_warnings INTERFACE
     # GCC 12 takes the concatenation of strings for overlapping copies when it optimises (its bug 105651).
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 
-add_library(vornic_sanitizers INTERFACE)
+add_library(vornic_instruments INTERFACE)
 if(VORNIC_SANITIZE)
     list(JOIN VORNIC_SANITIZE "," vornic_sanitize_names)
-    target_compile_options(vornic_sanitizers INTERFACE
+    target_compile_options(vornic_instruments INTERFACE
         -fsanitize=${vornic_sanitize_names} -fno-sanitize-recover=all -fno-omit-frame-pointer
         # GCC loses track of what is set between the calls that a sanitizer adds.
         $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
-    target_link_options(vornic_sanitizers INTERFACE -fsanitize=${vornic_sanitize_names})
+    target_link_options(vornic_instruments INTERFACE -fsanitize=${vornic_sanitize_names})
+endif()
+if(VORNIC_COVERAGE)
+    target_compile_options(vornic_instruments INTERFACE --coverage)
+    target_link_options(vornic_instruments INTERFACE --coverage)
+endif()
+
+if(VORNIC_LTO)
+    check_ipo_supported(LANGUAGES CXX)
 endif()
 
 # vornic_target_defaults(<target>)
 #
 # Compiles an existing target the way all code of the project is compiled: C++20 without extensions,
-# warnings as errors (`cmake --compile-no-warning-as-error` lifts that), the chosen sanitizers, ccache
-# where it is installed. Assertions stay on in every build type: NDEBUG is never defined.
+# warnings as errors unless another project builds this one (`cmake --compile-no-warning-as-error`
+# lifts that too), with the chosen sanitizers, coverage and link-time optimisation, by ccache where it
+# is installed. Assertions stay on in every build type: NDEBUG is never defined.
 function(vornic_target_defaults target)
     target_compile_features(${target} PUBLIC cxx_std_20)
     target_compile_options(${target} PRIVATE -UNDEBUG)
     target_link_libraries(${target} PRIVATE
-        $<BUILD_INTERFACE:vornic_warnings> $<BUILD_INTERFACE:vornic_sanitizers>)
+        $<BUILD_INTERFACE:vornic_warnings> $<BUILD_INTERFACE:vornic_instruments>)
     set_target_properties(${target} PROPERTIES
         CXX_EXTENSIONS OFF
-        COMPILE_WARNING_AS_ERROR ON)
+        COMPILE_WARNING_AS_ERROR ${PROJECT_IS_TOP_LEVEL}
+        INTERPROCEDURAL_OPTIMIZATION ${VORNIC_LTO})
     if(VORNIC_CCACHE)
         set_target_properties(${target} PROPERTIES CXX_COMPILER_LAUNCHER ${VORNIC_CCACHE})
     endif()
@@ -55,8 +67,11 @@ endfunction()
 #
 # Declares the library of one floor, shared unless STATIC is given, and its alias, Vornic:: and the
 # target's name without "vornic_". Sources of the library also find the headers of the calling folder.
-# The target all_verify_interface_header_sets compiles every public header alone. Shared libraries are
-# installed and exported; a static one is of this build only.
+# The target all_verify_interface_header_sets compiles every public header alone.
+#
+# A shared library hides all that its headers do not mark with the export macro, and whatever it
+# instantiates of the standard library; it is installed and exported. A static one is of this build
+# only.
 function(vornic_add_library target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "STATIC" "INCLUDE" "HEADERS;SOURCES;LINK;PRIVATE_LINK")
     if(arg_UNPARSED_ARGUMENTS)
@@ -82,28 +97,70 @@ function(vornic_add_library target)
         VERIFY_INTERFACE_HEADER_SETS ON)
 
     if(type STREQUAL SHARED)
-        # A call within a library may be inlined and need not go through the symbol table.
-        if(VORNIC_HAS_NO_SEMANTIC_INTERPOSITION)
-            target_compile_options(${target} PRIVATE -fno-semantic-interposition)
-        endif()
-        set_target_properties(${target} PROPERTIES
-            VERSION ${PROJECT_VERSION}
-            SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
-            INSTALL_RPATH "$ORIGIN")
-        install(TARGETS ${target} EXPORT VornicL3SharedTargets
-            FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vornic)
+        vornic_shared_library(${target})
+        vornic_install_library(${target})
     endif()
+endfunction()
+
+# vornic_shared_library(<target>)
+#
+# What a shared library shows to the outside: its version, and no symbol but its own.
+function(vornic_shared_library target)
+    # A call within a library may be inlined and need not go through the symbol table.
+    if(VORNIC_HAS_NO_SEMANTIC_INTERPOSITION)
+        target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+    endif()
+    # The standard library's headers mark its templates for export, whatever the default is.
+    set(map ${VORNIC_CMAKE_DIR}/own-symbols.map)
+    target_link_options(${target} PRIVATE LINKER:--version-script=${map})
+    # What a library has registered, and the code of objects that are alive, must not go: dlclose()
+    # leaves it loaded, with every compiler.
+    target_link_options(${target} PRIVATE LINKER:-z,nodelete)
+    set_target_properties(${target} PROPERTIES
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        LINK_DEPENDS ${map}
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}
+        INSTALL_RPATH "$ORIGIN")
+endfunction()
+
+# vornic_install_library(<target>)
+#
+# Installs a shared library, its public headers, and its part of the exported targets: the library
+# itself as component "runtime", all that only building against it needs as "development".
+function(vornic_install_library target)
+    if(NOT VORNIC_INSTALL)
+        return()
+    endif()
+    install(TARGETS ${target} EXPORT VornicL3SharedTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            COMPONENT runtime NAMELINK_COMPONENT development
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vornic COMPONENT development)
 endfunction()
 
 # vornic_install_package()
 #
-# Installs what find_package(VornicL3Shared) reads: the exported libraries and their version.
+# Installs what find_package(VornicL3Shared) and pkg-config read. Both find the libraries beside their
+# own files, so that an installed tree can be moved.
 function(vornic_install_package)
-    set(destination ${CMAKE_INSTALL_LIBDIR}/cmake/VornicL3Shared)
+    set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/VornicL3Shared)
     install(EXPORT VornicL3SharedTargets NAMESPACE Vornic::
-        FILE VornicL3SharedConfig.cmake DESTINATION ${destination})
+        DESTINATION ${package_dir} COMPONENT development)
+    configure_package_config_file(${VORNIC_CMAKE_DIR}/VornicL3SharedConfig.cmake.in
+        VornicL3SharedConfig.cmake
+        INSTALL_DESTINATION ${package_dir}
+        NO_SET_AND_CHECK_MACRO)
     write_basic_package_version_file(VornicL3SharedConfigVersion.cmake
-        COMPATIBILITY SameMinorVersion)
-    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/VornicL3SharedConfigVersion.cmake
-        DESTINATION ${destination})
+        COMPATIBILITY SameMajorVersion)
+    install(FILES
+            ${CMAKE_CURRENT_BINARY_DIR}/VornicL3SharedConfig.cmake
+            ${CMAKE_CURRENT_BINARY_DIR}/VornicL3SharedConfigVersion.cmake
+        DESTINATION ${package_dir} COMPONENT development)
+
+    set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+    file(RELATIVE_PATH prefix_from_pcfiledir /prefix/${pkgconfig_dir} /prefix)
+    configure_file(${VORNIC_CMAKE_DIR}/VornicL3Shared.pc.in VornicL3Shared.pc @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/VornicL3Shared.pc
+        DESTINATION ${pkgconfig_dir} COMPONENT development)
 endfunction()

@@ -10,6 +10,7 @@ void VpIndexAllocator::verifyAndUpdateAllocStats(U16 vpIndex) {
     static constexpr char const* signature =
         "void VornicCentral::VpIndexAllocator::verifyAndUpdateAllocStats(U16)";
     if (vpIndex == invalidVpIndex) {
+        VP_ASSERT(vpIndexStatus_ != nullptr, "vpIndexStatus() != nullptr", signature);
         vpIndexStatus_->vpAllocFailuresInc(1);
         return;
     }

@@ -76,25 +76,12 @@ void VpIndexAllocatorDirSm::vpReferenceDispatch(Pelo::Publisher*, Pelo::Subscrib
     }
     Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(
         &self); // a subscriber of the waiting keys may drop the last pointer
-    switch (field) {
-    case RemoteVport::field:
-        self.handleInvalidRemoteVport(*static_cast<RemoteVtepKey const*>(key));
-        break;
-    case MlagRemoteVport::field:
-        self.handleInvalidMlagRemoteVport(*static_cast<RemoteVtepKey const*>(key));
-        break;
-    case EdgeVport::field:
-        self.handleInvalidEdgeVport(*static_cast<PortVlanKey const*>(key));
-        break;
-    case VlanVport::field:
-        self.handleInvalidVlanVport(*static_cast<Bridging::VlanId const*>(key));
-        break;
-    case EFilterDisableVport::field:
-        self.handleInvalidEFilterDisableVport(*static_cast<Netzo::IntfId const*>(key));
-        break;
-    default:
-        break;
-    }
+    forEachKind([&](auto kind) {
+        using Kind = decltype(kind);
+        if (field == Kind::field) {
+            self.handleInvalidKey<Kind>(*static_cast<typename Kind::Key const*>(key));
+        }
+    });
 }
 
 } // namespace VornicCentral

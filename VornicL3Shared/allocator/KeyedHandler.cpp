@@ -1,4 +1,5 @@
-// From a requested key to an index, and back: the algorithm of all five kinds.
+// From a requested key to an index, and back: the algorithm of all kinds, and the reactor that runs
+// it.
 
 #include "VornicL3Shared/VpIndexAllocator.h"
 #include "VornicL3Shared/VpIndexAllocatorDirSm.h"
@@ -135,21 +136,30 @@ void VpIndexAllocator::writeStatus(typename Kind::Key const& key, VirtualPort co
     vpIndexStatus_->is<Kind>(key, vPort);
 }
 
+/// One key of a kind; the remote kinds have a trace of their own.
+template <class Kind> void VpIndexAllocator::handleOne(typename Kind::Key const& key) {
+    if constexpr (std::is_same_v<Kind, RemoteVport>) {
+        handleRemoteVport(key);
+    } else if constexpr (std::is_same_v<Kind, MlagRemoteVport>) {
+        handleMlagRemoteVport(key);
+    } else {
+        handleKey<Kind>(key);
+    }
+}
+
 template <class Kind> void VpIndexAllocator::handleAll() {
+    VP_TRACE(entryLevel, KindWords<Kind>::sweep);
     if (!vpIndexConfig_) {
         return;
     }
     for (typename VpIndexConfig::Collection<Kind>::Iterator it(vpIndexConfig_->collection<Kind>());
          it; it.advance()) {
-        typename Kind::Key const key(it.key()); // the handler may delete the member
-        if constexpr (std::is_same_v<Kind, RemoteVport>) {
-            handleRemoteVport(key);
-        } else if constexpr (std::is_same_v<Kind, MlagRemoteVport>) {
-            handleMlagRemoteVport(key);
-        } else {
-            handleKey<Kind>(key);
-        }
+        handleOne<Kind>(typename Kind::Key(it.key())); // a copy: the handler may delete the member
     }
+}
+
+void VpIndexAllocator::handleAllKinds() {
+    forEachKind([&](auto kind) { handleAll<decltype(kind)>(); });
 }
 
 void VpIndexAllocator::handleRemoteVport(RemoteVtepKey const& key) {
@@ -172,25 +182,42 @@ void VpIndexAllocator::handleEFilterDisableVport(Netzo::IntfId intf) {
     handleKey<EFilterDisableVport>(intf);
 }
 
-void VpIndexAllocator::handleRemoteVport() {
-    VP_TRACE(entryLevel, "handleRemoteVport");
-    handleAll<RemoteVport>();
+void VpIndexAllocator::handleRemoteVport() { handleAll<RemoteVport>(); }
+void VpIndexAllocator::handleMlagRemoteVport() { handleAll<MlagRemoteVport>(); }
+void VpIndexAllocator::handleEdgeVport() { handleAll<EdgeVport>(); }
+void VpIndexAllocator::handleVlanVport() { handleAll<VlanVport>(); }
+void VpIndexAllocator::handleEFilterDisableVport() { handleAll<EFilterDisableVport>(); }
+
+void VpIndexAllocator::vpIndexConfigDispatch(Pelo::Publisher*, Pelo::Subscriber* subscriber,
+                                             Pelo::FieldId field, void const* key,
+                                             void const*) noexcept {
+    auto& self = subscriber->owner<VpIndexAllocator>();
+    if (self.isZombie()) {
+        return;
+    }
+    forEachKind([&](auto kind) {
+        using Kind = decltype(kind);
+        if (field == Kind::field) { // of one kind only: `self` may go, and is not used again
+            self.react<Kind>(*static_cast<typename Kind::Key const*>(key));
+        }
+    });
 }
-void VpIndexAllocator::handleMlagRemoteVport() {
-    VP_TRACE(entryLevel, "handleMlagRemoteVport");
-    handleAll<MlagRemoteVport>();
-}
-void VpIndexAllocator::handleEdgeVport() {
-    VP_TRACE(entryLevel, "handleEdgeVport");
-    handleAll<EdgeVport>();
-}
-void VpIndexAllocator::handleVlanVport() {
-    VP_TRACE(entryLevel, "handleVlanVport");
-    handleAll<VlanVport>();
-}
-void VpIndexAllocator::handleEFilterDisableVport() {
-    VP_TRACE(entryLevel, "handleEFilterDisableVport");
-    handleAll<EFilterDisableVport>();
+
+/// Handles a changed key, or leaves it until the running handler is done. Whoever watches the
+/// records may drop the allocator and the state machine meanwhile; both stay until the handler is
+/// done.
+template <class Kind> void VpIndexAllocator::react(typename Kind::Key const& key) {
+    Pelo::Ptr<VpIndexAllocatorDirSm> const stateMachine(vpIndexAllocatorDirSm_);
+    Pelo::Ptr<VpIndexAllocator> const self(this);
+    if (!stateMachine->handlerTurns_.running()) {
+        handleOne<Kind>(key);
+        return;
+    }
+    stateMachine->handlerTurns_.leave(this, [self, key]() noexcept {
+        if (!self->isZombie()) {
+            self->handleOne<Kind>(key);
+        }
+    });
 }
 
 VpReference VpIndexAllocator::getRemoteVportRef(RemoteVtepKey const& key, bool mlag) const {

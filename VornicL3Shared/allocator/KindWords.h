@@ -10,10 +10,41 @@ namespace VornicCentral {
 /// The words of one kind in traces, messages and assertions, as they appear on the screen. All that
 /// tells the kinds apart in the allocation algorithms stands here.
 ///
-/// Names: `handler...` belongs to the keyed handler, `invalid...` to the handler of waiting keys,
-/// `recover...`, `skip...` and `deleteStatus` to reconciliation, `recycle...` to the hand-over of
-/// an index, `verify...` to the checks.
+/// Names: `sweep` and `handler...` belong to the keyed handler, `invalid...` to the handler of
+/// waiting keys, `recover...`, `skip...` and `deleteStatus` to reconciliation, `recycle...` to the
+/// hand-over of an index, `verify...` to the checks.
 template <class Kind> struct KindWords;
+
+/// The words that are made of a kind's names, for edge ports these, in this order:
+///
+///     handleEdgeVport
+///     handleInvalidEdgeVport
+///     vpIndexConfig-> edgeVportHas( edgeIter.key() )
+///     )->vpIndexStatus()->edgeVport(
+///     verifyEdgeVpIndex
+///     void VornicCentral::VpIndexAllocator::verifyEdgeVpIndex() const
+///      verifying vpIndexConfig()->edgeVport
+///      verifying vpIndexStatus()->edgeVport
+///     vpIndexStatus()->edgeVportHas( pvKey )
+///     vpIndexConfig()->edgeVportHas( pvKey )
+///     vpReference()->edgeVportHas( pvKey )
+///     vPort == vpIndexStatus->edgeVport( pvKey )
+#define VP_WORDS_OF_NAMES(title, collection, key, iterator)                                        \
+    static constexpr Qor::Words sweep{"handle" #title "Vport"};                                    \
+    static constexpr Qor::Words invalidHandler{"handleInvalid" #title "Vport"};                    \
+    static constexpr char const* recycleAssert =                                                   \
+        "vpIndexConfig-> " #collection "Has( " #iterator ".key() )";                               \
+    static constexpr Qor::Words recycleStatus{")->vpIndexStatus()->" #collection "("};             \
+    static constexpr Qor::Words verify{"verify" #title "VpIndex"};                                 \
+    static constexpr char const* verifySignature =                                                 \
+        "void VornicCentral::VpIndexAllocator::verify" #title "VpIndex() const";                   \
+    static constexpr Qor::Words verifyConfig{" verifying vpIndexConfig()->" #collection};          \
+    static constexpr Qor::Words verifyStatus{" verifying vpIndexStatus()->" #collection};          \
+    static constexpr char const* statusHas = "vpIndexStatus()->" #collection "Has( " #key " )";    \
+    static constexpr char const* configHas = "vpIndexConfig()->" #collection "Has( " #key " )";    \
+    static constexpr char const* referenceHas = "vpReference()->" #collection "Has( " #key " )";   \
+    static constexpr char const* statusesMatch =                                                   \
+        "vPort == vpIndexStatus->" #collection "( " #key " )";
 
 /// The words that most kinds share.
 struct CommonWords {
@@ -48,6 +79,7 @@ struct RemoteWords : CommonWords {
 };
 
 template <> struct KindWords<RemoteVport> : RemoteWords {
+    VP_WORDS_OF_NAMES(Remote, remoteVport, remoteVtepKey, remoteIter)
     static constexpr bool indexPreferenceIsCapability = true;
     static constexpr Qor::Words match{" NonMlag Vport Match "};
     static constexpr Qor::Words ringTag{""};
@@ -55,28 +87,13 @@ template <> struct KindWords<RemoteVport> : RemoteWords {
         return VportText("vxlan remote %s vtep: %s", "", key.tunnelGroup().stringValue().c_str());
     }
 
-    static constexpr Qor::Words invalidHandler{"handleInvalidRemoteVport"};
     static constexpr Qor::Words recoveredFor{" for vtep: "};
     static constexpr Qor::Words deleteStatus{" delete status for vtep: "};
     static constexpr Qor::Words deleteStatusRing = deleteStatus;
-
-    static constexpr char const* recycleAssert =
-        "vpIndexConfig-> remoteVportHas( remoteIter.key() )";
-    static constexpr Qor::Words recycleStatus{")->vpIndexStatus()->remoteVport("};
-
-    static constexpr Qor::Words verify{"verifyRemoteVpIndex"};
-    static constexpr char const* verifySignature =
-        "void VornicCentral::VpIndexAllocator::verifyRemoteVpIndex() const";
-    static constexpr Qor::Words verifyConfig{" verifying vpIndexConfig()->remoteVport"};
-    static constexpr Qor::Words verifyStatus{" verifying vpIndexStatus()->remoteVport"};
-    static constexpr char const* statusHas = "vpIndexStatus()->remoteVportHas( remoteVtepKey )";
-    static constexpr char const* configHas = "vpIndexConfig()->remoteVportHas( remoteVtepKey )";
-    static constexpr char const* referenceHas = "vpReference()->remoteVportHas( remoteVtepKey )";
-    static constexpr char const* statusesMatch =
-        "vPort == vpIndexStatus->remoteVport( remoteVtepKey )";
 };
 
 template <> struct KindWords<MlagRemoteVport> : RemoteWords {
+    VP_WORDS_OF_NAMES(MlagRemote, mlagRemoteVport, remoteVtepKey, remoteIter)
     static constexpr bool indexPreferenceIsCapability = false;
     static constexpr Qor::Words tag{" mlag "};
     static constexpr Qor::Words match{" Mlag SameVpType Match "};
@@ -86,7 +103,6 @@ template <> struct KindWords<MlagRemoteVport> : RemoteWords {
                          key.tunnelGroup().stringValue().c_str());
     }
 
-    static constexpr Qor::Words invalidHandler{"handleInvalidMlagRemoteVport"};
     static constexpr Qor::Words invalidChanged{" mlag vport addition/modification for: "};
     static constexpr Qor::Words invalidAdded{" mlag vport added : "};
     static constexpr Qor::Words invalidDeleted{" mlag vport deleted : "};
@@ -97,25 +113,10 @@ template <> struct KindWords<MlagRemoteVport> : RemoteWords {
     static constexpr Qor::Words deleteStatus{" delete status (mlag) for vtep: "};
     static constexpr Qor::Words deleteStatusRing = deleteStatus;
 
-    static constexpr char const* recycleAssert =
-        "vpIndexConfig-> mlagRemoteVportHas( remoteIter.key() )";
     static constexpr Qor::Words recycling{" Recycling mlag vpIndex : "};
-    static constexpr Qor::Words recycleStatus{")->vpIndexStatus()->mlagRemoteVport("};
-
-    static constexpr Qor::Words verify{"verifyMlagRemoteVpIndex"};
-    static constexpr char const* verifySignature =
-        "void VornicCentral::VpIndexAllocator::verifyMlagRemoteVpIndex() const";
-    static constexpr Qor::Words verifyConfig{" verifying vpIndexConfig()->mlagRemoteVport"};
-    static constexpr Qor::Words verifyStatus{" verifying vpIndexStatus()->mlagRemoteVport"};
-    static constexpr char const* statusHas = "vpIndexStatus()->mlagRemoteVportHas( remoteVtepKey )";
-    static constexpr char const* configHas = "vpIndexConfig()->mlagRemoteVportHas( remoteVtepKey )";
-    static constexpr char const* referenceHas =
-        "vpReference()->mlagRemoteVportHas( remoteVtepKey )";
-    static constexpr char const* statusesMatch =
-        "vPort == vpIndexStatus->mlagRemoteVport( remoteVtepKey )";
 };
 
-/// What the three local kinds share: they take the highest index, and show a key as it is.
+/// What the local kinds share: they take the highest index, and show a key as it is.
 template <class Key> struct LocalWords : CommonWords {
     static constexpr bool indexPreferenceIsCapability = false;
     static constexpr Qor::Words ringIndex{" vpIndex: "};
@@ -126,6 +127,7 @@ template <class Key> struct LocalWords : CommonWords {
 };
 
 template <> struct KindWords<EdgeVport> : LocalWords<PortVlanKey> {
+    VP_WORDS_OF_NAMES(Edge, edgeVport, pvKey, edgeIter)
     static constexpr Qor::Words handler{"handleEdgeVport"};
     static constexpr Qor::Words keyLabel{" pvKey: "};
     static constexpr Qor::Words finalLabel = keyLabel;
@@ -135,29 +137,17 @@ template <> struct KindWords<EdgeVport> : LocalWords<PortVlanKey> {
                          int{key.vlan().value()});
     }
 
-    static constexpr Qor::Words invalidHandler{"handleInvalidEdgeVport"};
     static constexpr Qor::Words recoveredFor{" for edge port: "};
     static constexpr Qor::Words skipFor{" skipping reconcile for edgePort: "};
     static constexpr Qor::Words deleteStatus{" delete status for pvKey: "};
     static constexpr Qor::Words deleteStatusRing{" delete status for"};
     static RingFullKey ringStatusKey(PortVlanKey const& key) { return {key}; }
 
-    static constexpr char const* recycleAssert = "vpIndexConfig-> edgeVportHas( edgeIter.key() )";
-    static constexpr Qor::Words recycleStatus{")->vpIndexStatus()->edgeVport("};
     static VportText recycleText(PortVlanKey const& key) { return fullText(key); }
-
-    static constexpr Qor::Words verify{"verifyEdgeVpIndex"};
-    static constexpr char const* verifySignature =
-        "void VornicCentral::VpIndexAllocator::verifyEdgeVpIndex() const";
-    static constexpr Qor::Words verifyConfig{" verifying vpIndexConfig()->edgeVport"};
-    static constexpr Qor::Words verifyStatus{" verifying vpIndexStatus()->edgeVport"};
-    static constexpr char const* statusHas = "vpIndexStatus()->edgeVportHas( pvKey )";
-    static constexpr char const* configHas = "vpIndexConfig()->edgeVportHas( pvKey )";
-    static constexpr char const* referenceHas = "vpReference()->edgeVportHas( pvKey )";
-    static constexpr char const* statusesMatch = "vPort == vpIndexStatus->edgeVport( pvKey )";
 };
 
 template <> struct KindWords<VlanVport> : LocalWords<Bridging::VlanId> {
+    VP_WORDS_OF_NAMES(Vlan, vlanVport, vlan, vlanIter)
     static constexpr Qor::Words handler{"handleVlanVport"};
     static constexpr Qor::Words keyLabel{" vlan: "};
     static constexpr Qor::Words finalLabel = keyLabel;
@@ -166,61 +156,39 @@ template <> struct KindWords<VlanVport> : LocalWords<Bridging::VlanId> {
         return VportText("vxlan vlan %d svp", int{vlan.value()});
     }
 
-    static constexpr Qor::Words invalidHandler{"handleInvalidVlanVport"};
     static constexpr Qor::Words recoveredFor{" for vlan: "};
     static constexpr Qor::Words skipFor{" skipping reconcile for vlan: "};
     static constexpr Qor::Words deleteStatus{" delete status for vlan: "};
     static constexpr Qor::Words deleteStatusRing = deleteStatus;
 
-    static constexpr char const* recycleAssert = "vpIndexConfig-> vlanVportHas( vlanIter.key() )";
-    static constexpr Qor::Words recycleStatus{")->vpIndexStatus()->vlanVport("};
     static VportText recycleText(Bridging::VlanId vlan) { return fullText(vlan); }
-
-    static constexpr Qor::Words verify{"verifyVlanVpIndex"};
-    static constexpr char const* verifySignature =
-        "void VornicCentral::VpIndexAllocator::verifyVlanVpIndex() const";
-    static constexpr Qor::Words verifyConfig{" verifying vpIndexConfig()->vlanVport"};
-    static constexpr Qor::Words verifyStatus{" verifying vpIndexStatus()->vlanVport"};
-    static constexpr char const* statusHas = "vpIndexStatus()->vlanVportHas( vlan )";
-    static constexpr char const* configHas = "vpIndexConfig()->vlanVportHas( vlan )";
-    static constexpr char const* referenceHas = "vpReference()->vlanVportHas( vlan )";
-    static constexpr char const* statusesMatch = "vPort == vpIndexStatus->vlanVport( vlan )";
 };
 
-template <> struct KindWords<EFilterDisableVport> : LocalWords<Netzo::IntfId> {
-    static constexpr Qor::Words handler{"handleEFilterDisableVport"};
+/// What the kinds share whose key is an interface.
+struct InterfaceWords : LocalWords<Netzo::IntfId> {
     static constexpr Qor::Words keyLabel{" intf: "};
     static constexpr Qor::Words finalLabel = keyLabel;
     static constexpr Qor::Words allocating{" allocating vp index for intf: "};
+    static constexpr Qor::Words recoveredFor{" for intf: "};
+    static constexpr Qor::Words skipFor{" skipping reconcile for intf: "};
+    static constexpr Qor::Words deleteStatus{" delete status for intf: "};
+    static constexpr Qor::Words deleteStatusRing = deleteStatus;
+};
+
+template <> struct KindWords<EFilterDisableVport> : InterfaceWords {
+    VP_WORDS_OF_NAMES(EFilterDisable, eFilterDisableVport, intf, eFDisIter)
+    static constexpr Qor::Words handler{"handleEFilterDisableVport"};
     static constexpr Qor::Words ringDeletion{
         " vport deleteion for: "}; // readers of the ring look for this spelling
     static VportText fullText(Netzo::IntfId const& intf) {
         return VportText("eFilterDisable intf %s svp", intf.stringValue().c_str());
     }
 
-    static constexpr Qor::Words invalidHandler{"handleInvalidEFilterDisableVport"};
-    static constexpr Qor::Words recoveredFor{" for intf: "};
-    static constexpr Qor::Words skipFor{" skipping reconcile for intf: "};
-    static constexpr Qor::Words deleteStatus{" delete status for intf: "};
-    static constexpr Qor::Words deleteStatusRing = deleteStatus;
-
-    static constexpr char const* recycleAssert =
-        "vpIndexConfig-> eFilterDisableVportHas( eFDisIter.key() )";
-    static constexpr Qor::Words recycleStatus{")->vpIndexStatus()->eFilterDisableVport("};
     static VportText recycleText(Netzo::IntfId const& intf) {
         return VportText("eFilterDisable intf: %s", intf.stringValue().c_str());
     }
-
-    static constexpr Qor::Words verify{"verifyEFilterDisableVpIndex"};
-    static constexpr char const* verifySignature =
-        "void VornicCentral::VpIndexAllocator::verifyEFilterDisableVpIndex() const";
-    static constexpr Qor::Words verifyConfig{" verifying vpIndexConfig()->eFilterDisableVport"};
-    static constexpr Qor::Words verifyStatus{" verifying vpIndexStatus()->eFilterDisableVport"};
-    static constexpr char const* statusHas = "vpIndexStatus()->eFilterDisableVportHas( intf )";
-    static constexpr char const* configHas = "vpIndexConfig()->eFilterDisableVportHas( intf )";
-    static constexpr char const* referenceHas = "vpReference()->eFilterDisableVportHas( intf )";
-    static constexpr char const* statusesMatch =
-        "vPort == vpIndexStatus->eFilterDisableVport( intf )";
 };
+
+#undef VP_WORDS_OF_NAMES
 
 } // namespace VornicCentral

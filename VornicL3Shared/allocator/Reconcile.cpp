@@ -22,7 +22,7 @@ void VpIndexAllocatorDirSm::recoverFromReferences() {
     bool const nothingSurvived = vpReference_->remoteVport().memberCount() == 0 &&
                                  vpReference_->edgeVport().memberCount() == 0 &&
                                  vpReference_->vlanVport().memberCount() == 0;
-    if (nothingSurvived) { // the other two kinds do not decide
+    if (nothingSurvived) { // the other kinds do not decide
         recoverFromBootStatus();
     }
 }

@@ -11,10 +11,6 @@ namespace {
 constexpr char const* signature =
     "void VornicCentral::VpIndexAllocatorDirSm::recycleOrFreeVpIndex(U32)";
 
-/// Waiting keys are served in an order of their own, VLANs first.
-using RecycleOrder =
-    std::tuple<VlanVport, RemoteVport, MlagRemoteVport, EdgeVport, EFilterDisableVport>;
-
 } // namespace
 
 /// A change that is left may withdraw the very key that would take the index, so it goes first.
@@ -41,7 +37,7 @@ void VpIndexAllocatorDirSm::recycleOrFree(U32 vpIndex) {
         return;
     }
     bool taken = false;
-    forEachKind<RecycleOrder>([&](auto kind) { taken = taken || recycleTo<decltype(kind)>(vp); });
+    forEachKind<ServingOrder>([&](auto kind) { taken = taken || recycleTo<decltype(kind)>(vp); });
     if (!taken) {
         freeVpIndex(vp.vpIndex());
     }

@@ -9,11 +9,7 @@ namespace VornicCentral {
 
 void VpIndexAllocator::verify() const {
     VP_TRACE(entryLevel, "verify", " ", name());
-    verifyRemoteVpIndex();
-    verifyMlagRemoteVpIndex();
-    verifyEdgeVpIndex();
-    verifyVlanVpIndex();
-    verifyEFilterDisableVpIndex();
+    forEachKind([&](auto kind) { verifyKind<decltype(kind)>(); });
 }
 
 template <class Kind> void VpIndexAllocator::verifyKind() const {

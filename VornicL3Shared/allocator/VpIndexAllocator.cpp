@@ -1,12 +1,10 @@
-// The life of a client's allocator: construction, the first sweeps, its reactor.
+// The life of a client's allocator: construction, the first sweeps, switching its reactor.
 
 #include "VornicL3Shared/VpIndexAllocator.h"
 
 #include "VornicL3Shared/VpIndexAllocatorDirSm.h"
 #include "allocator/Trace.h"
 #include "qor/Exceptions.h"
-
-#include <type_traits>
 
 namespace VornicCentral {
 
@@ -71,58 +69,7 @@ void VpIndexAllocator::handleInitialized() {
     if (vpIndexStatus_) {
         vpIndexStatus_->vpTableSizeIs(vpIndexAllocatorDirSm_->vpTableSize());
     }
-    handleRemoteVport();
-    handleMlagRemoteVport();
-    handleEdgeVport();
-    handleVlanVport();
-    handleEFilterDisableVport();
-}
-
-void VpIndexAllocator::vpIndexConfigDispatch(Pelo::Publisher*, Pelo::Subscriber* subscriber,
-                                             Pelo::FieldId field, void const* key,
-                                             void const*) noexcept {
-    auto& self = subscriber->owner<VpIndexAllocator>();
-    if (self.isZombie()) {
-        return;
-    }
-    switch (field) {
-    case RemoteVport::field:
-        self.react(key, &VpIndexAllocator::handleRemoteVport);
-        break;
-    case MlagRemoteVport::field:
-        self.react(key, &VpIndexAllocator::handleMlagRemoteVport);
-        break;
-    case EdgeVport::field:
-        self.react(key, &VpIndexAllocator::handleEdgeVport);
-        break;
-    case VlanVport::field:
-        self.react(key, &VpIndexAllocator::handleVlanVport);
-        break;
-    case EFilterDisableVport::field:
-        self.react(key, &VpIndexAllocator::handleEFilterDisableVport);
-        break;
-    default:
-        break;
-    }
-}
-
-/// Handles a changed key, or leaves it until the running handler is done. Whoever watches the
-/// records may drop the allocator and the state machine meanwhile; both stay until the handler is
-/// done.
-template <class Argument>
-void VpIndexAllocator::react(void const* changed, void (VpIndexAllocator::*handler)(Argument)) {
-    auto const& key = *static_cast<std::remove_cvref_t<Argument> const*>(changed);
-    Pelo::Ptr<VpIndexAllocatorDirSm> const stateMachine(vpIndexAllocatorDirSm_);
-    Pelo::Ptr<VpIndexAllocator> const self(this);
-    if (!stateMachine->handlerTurns_.running()) {
-        (this->*handler)(key);
-        return;
-    }
-    stateMachine->handlerTurns_.leave(this, [self, key, handler]() noexcept {
-        if (!self->isZombie()) {
-            ((*self).*handler)(key);
-        }
-    });
+    handleAllKinds();
 }
 
 void VpIndexAllocator::hasNotificationActiveIs(bool active) {

@@ -50,7 +50,7 @@ void addHandlers(Qor::TypeBuilder<A>& table) {
 
 void addChecks(Qor::TypeBuilder<A>& table) {
     table.operation(141, "verify", &A::verify)
-        .doc("runs the five checks that follow; a check that fails stops the process")
+        .doc("runs the checks of all kinds; a check that fails stops the process")
         .operation(142, "verifyRemoteVpIndex", &A::verifyRemoteVpIndex)
         .doc("checks that config, status, references and pool agree on the client's remote VTEPs")
         .operation(143, "verifyMlagRemoteVpIndex", &A::verifyMlagRemoteVpIndex)

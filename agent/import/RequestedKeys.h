@@ -36,10 +36,12 @@ public:
     }
 
 private:
-    std::tuple<Collection<VornicCentral::RemoteVport>, Collection<VornicCentral::MlagRemoteVport>,
-               Collection<VornicCentral::EdgeVport>, Collection<VornicCentral::VlanVport>,
-               Collection<VornicCentral::EFilterDisableVport>>
-        keys_;
+    template <class List> struct CollectionOfEach;
+    template <class... Kind> struct CollectionOfEach<std::tuple<Kind...>> {
+        using Type = std::tuple<Collection<Kind>...>;
+    };
+
+    CollectionOfEach<VornicCentral::Kinds>::Type keys_;
 };
 
 } // namespace VpAgent

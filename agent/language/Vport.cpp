@@ -52,29 +52,25 @@ template <class Key> std::optional<std::size_t> vlanAt(std::string_view text) {
 
 } // namespace
 
-template <class Kind> Pelo::Parsed<typename Kind::Key> parseKey(std::string_view text) {
-    auto key = Kind::Key::parse(text);
+template <class Key> Pelo::Parsed<Key> parseKeyText(std::string_view text) {
+    auto key = Key::parse(text);
     if (key) {
         if (auto const fault = rangeFault(*key, text)) {
             return *fault;
         }
         return key;
     }
-    auto const vlan = vlanAt<typename Kind::Key>(text);
+    auto const vlan = vlanAt<Key>(text);
     if (vlan && key.error().at >= *vlan) {
         return Pelo::ParseError{key.error().at, vlanRange};
     }
     return key;
 }
 
-template Pelo::Parsed<VornicCentral::RemoteVtepKey>
-    parseKey<VornicCentral::RemoteVport>(std::string_view);
-template Pelo::Parsed<VornicCentral::RemoteVtepKey>
-    parseKey<VornicCentral::MlagRemoteVport>(std::string_view);
-template Pelo::Parsed<VornicCentral::PortVlanKey>
-    parseKey<VornicCentral::EdgeVport>(std::string_view);
-template Pelo::Parsed<Bridging::VlanId> parseKey<VornicCentral::VlanVport>(std::string_view);
-template Pelo::Parsed<Netzo::IntfId> parseKey<VornicCentral::EFilterDisableVport>(std::string_view);
+template Pelo::Parsed<VornicCentral::RemoteVtepKey> parseKeyText(std::string_view);
+template Pelo::Parsed<VornicCentral::PortVlanKey> parseKeyText(std::string_view);
+template Pelo::Parsed<Bridging::VlanId> parseKeyText(std::string_view);
+template Pelo::Parsed<Netzo::IntfId> parseKeyText(std::string_view);
 
 Vport Vport::parse(Word const& kindWord, Word const& keyWord) {
     std::optional<Vport> vport;

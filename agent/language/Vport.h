@@ -11,7 +11,7 @@
 
 namespace VpAgent {
 
-/// A virtual port as commands name it: one of the five kinds, and a key of that kind. A value.
+/// A virtual port as commands name it: one of the kinds, and a key of that kind. A value.
 ///
 ///     vport.visit([&](auto kind, auto const& key) { config.is<decltype(kind)>(key, true); });
 class Vport {
@@ -47,18 +47,18 @@ private:
     Key key_;
 };
 
-/// A key of the kind from its text form, with VLANs held to the range of commands, 1 to 4094.
-template <class Kind> Pelo::Parsed<typename Kind::Key> parseKey(std::string_view text);
+/// A key from its text form, with VLANs held to the range of commands, 1 to 4094.
+template <class Key> Pelo::Parsed<Key> parseKeyText(std::string_view text);
 
-extern template Pelo::Parsed<VornicCentral::RemoteVtepKey>
-    parseKey<VornicCentral::RemoteVport>(std::string_view);
-extern template Pelo::Parsed<VornicCentral::RemoteVtepKey>
-    parseKey<VornicCentral::MlagRemoteVport>(std::string_view);
-extern template Pelo::Parsed<VornicCentral::PortVlanKey>
-    parseKey<VornicCentral::EdgeVport>(std::string_view);
-extern template Pelo::Parsed<Bridging::VlanId> parseKey<VornicCentral::VlanVport>(std::string_view);
-extern template Pelo::Parsed<Netzo::IntfId>
-    parseKey<VornicCentral::EFilterDisableVport>(std::string_view);
+extern template Pelo::Parsed<VornicCentral::RemoteVtepKey> parseKeyText(std::string_view);
+extern template Pelo::Parsed<VornicCentral::PortVlanKey> parseKeyText(std::string_view);
+extern template Pelo::Parsed<Bridging::VlanId> parseKeyText(std::string_view);
+extern template Pelo::Parsed<Netzo::IntfId> parseKeyText(std::string_view);
+
+/// The same for a key of the kind.
+template <class Kind> Pelo::Parsed<typename Kind::Key> parseKey(std::string_view text) {
+    return parseKeyText<typename Kind::Key>(text);
+}
 
 /// The kind words as a text: `remote, mlag, edge, vlan or efilter`.
 std::string kindWords();

@@ -2,17 +2,11 @@
 #include "view/TextTable.h"
 #include "view/Views.h"
 
-#include <tuple>
-
 namespace VpAgent {
 
 using namespace VornicCentral;
 
 namespace {
-
-/// The order in which a released index is offered to the kinds, which is not the usual one.
-using ServingOrder =
-    std::tuple<VlanVport, RemoteVport, MlagRemoteVport, EdgeVport, EFilterDisableVport>;
 
 /// Who gets the index when the key is served; why it is passed over, when it is.
 std::string beneficiaries(VpReference const* reference) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bask/HBitmap.h"
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "pelo/Node.h"
 #include "pelo/Slab.h"
@@ -24,8 +25,9 @@ namespace Bask {
 /// more for the levels above.
 ///
 /// Not thread-safe.
-class Bitmap final : public Pelo::Node, public Pelo::SlabAllocated<Bitmap> {
+class VORNIC_RUNTIME_API Bitmap final : public Pelo::Node, public Pelo::SlabAllocated<Bitmap> {
 public:
+    /// `id` is a number of the owner's choice, which the bitmap only keeps; `size` is in bits.
     Bitmap(U64 id, U32 size, HBitmap::BitState initialBitState);
 
     U64 id() const noexcept { return id_; }

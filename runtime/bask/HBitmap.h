@@ -1,11 +1,12 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 namespace Bask {
 
 /// What all bitmaps have in common.
-struct HBitmap {
+struct VORNIC_RUNTIME_API HBitmap {
     enum class BitState { clear, set };
 
     /// The result of a search that finds no bit. No bitmap has a bit of this number.

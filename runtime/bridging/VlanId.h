@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lumlog/ArgTraits.h"
+#include "pelo/Export.h"
 #include "pelo/Hash.h"
 #include "pelo/Integers.h"
 #include "pelo/Parsed.h"
@@ -14,7 +15,7 @@ namespace Bridging {
 
 /// A VLAN number of 16 bits; default-built it is 0. Any number is held: which ones a command takes
 /// is the caller's affair. Its text form is the decimal number, read in that form only.
-class VlanId {
+class VORNIC_RUNTIME_API VlanId {
 public:
     /// Collections that are indexed by VLAN have this many places.
     static constexpr U32 directBound = 65536;
@@ -36,7 +37,7 @@ private:
     U16 value_ = 0;
 };
 
-std::ostream& operator<<(std::ostream& out, VlanId vlan);
+VORNIC_RUNTIME_API std::ostream& operator<<(std::ostream& out, VlanId vlan);
 
 } // namespace Bridging
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Hash.h"
 #include "pelo/Integers.h"
 #include "pelo/Parsed.h"
@@ -13,7 +14,7 @@ namespace Devbus {
 
 /// A forwarding chip's number of 8 bits; default-built it is 0. Its text form is the decimal
 /// number, read in that form only.
-class FapId {
+class VORNIC_RUNTIME_API FapId {
 public:
     /// Collections that are indexed by chip have this many places.
     static constexpr U32 directBound = 256;
@@ -38,6 +39,6 @@ private:
     U8 value_ = 0;
 };
 
-std::ostream& operator<<(std::ostream& out, FapId fap);
+VORNIC_RUNTIME_API std::ostream& operator<<(std::ostream& out, FapId fap);
 
 } // namespace Devbus

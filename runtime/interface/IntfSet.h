@@ -1,6 +1,7 @@
 #pragma once
 
 #include "netzo/IntfId.h"
+#include "pelo/Export.h"
 #include "pelo/Parsed.h"
 
 #include <cstddef>
@@ -17,8 +18,8 @@ namespace Interface {
 ///
 /// Made for the usual 0 to 64 members: a sorted array. A search compares a handful of names, an
 /// insertion or a removal moves the members behind it, equality compares a word a member. Any
-/// change ends the validity of iterators.
-class IntfSet {
+/// change ends the validity of iterators. Not thread-safe; its ids follow the thread-control rule.
+class VORNIC_RUNTIME_API IntfSet {
 public:
     using const_iterator = std::vector<Netzo::IntfId>::const_iterator;
 
@@ -40,8 +41,8 @@ public:
     /// `\"` and `\\` inside.
     std::string stringValue() const;
 
-    /// Reads that form, with the names in any order and with or without blanks between them. Any
-    /// name may stand in quotes; control characters are refused.
+    /// Reads that form, with the names in any order, also more than once, and with or without
+    /// blanks between them. Any name may stand in quotes; control characters are refused.
     static Pelo::Parsed<IntfSet> parse(std::string_view text);
 
     friend bool operator==(IntfSet const&, IntfSet const&) noexcept = default;
@@ -52,6 +53,6 @@ private:
     std::vector<Netzo::IntfId> members_;
 };
 
-std::ostream& operator<<(std::ostream& out, IntfSet const& set);
+VORNIC_RUNTIME_API std::ostream& operator<<(std::ostream& out, IntfSet const& set);
 
 } // namespace Interface

@@ -10,7 +10,7 @@ namespace Lumlog {
 ///
 ///     template <> struct Lumlog::ArgTraits<VornicCentral::PortVlanKey> {
 ///         static auto pieces(VornicCentral::PortVlanKey const& key) {
-///             return Lumlog::pieces(key.intfId(), Qor::Words(","), key.vlanId());
+///             return Lumlog::pieces(key.intf(), Qor::Words(":"), key.vlan());
 ///         }
 ///     };
 ///

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pelo/Export.h"
+
 #include <cstddef>
 #include <cstring>
 #include <span>
@@ -9,8 +11,9 @@
 namespace Lumlog {
 
 /// Takes values off the front of bytes that nobody vouches for. What is not there reads as zero or
-/// as empty text, and `ok` tells that it was missing.
-class ByteCursor {
+/// as empty text, and `ok` tells that it was missing. The bytes are borrowed, also by the texts
+/// taken.
+class VORNIC_RUNTIME_API ByteCursor {
 public:
     explicit ByteCursor(std::span<std::byte const> bytes) noexcept : rest_(bytes) {}
 

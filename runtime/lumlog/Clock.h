@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 namespace Lumlog {
@@ -13,7 +14,7 @@ namespace Lumlog {
 /// change of the system's time within seconds, and may then go back.
 ///
 /// One thread at a time.
-class Clock {
+class VORNIC_RUNTIME_API Clock {
 public:
     Clock() noexcept;
 

@@ -3,6 +3,7 @@
 #include "lumlog/DecodedMessage.h"
 #include "lumlog/DecodedRecord.h"
 #include "lumlog/Reader.h"
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <filesystem>
@@ -28,9 +29,10 @@ namespace Lumlog {
 /// back, which the system's clock may do when it is set. The field `time` is the record's own.
 ///
 /// The same records give the same trace, byte by byte, with the same identifier (UUID).
-class CtfWriter {
+class VORNIC_RUNTIME_API CtfWriter {
 public:
-    /// Takes all further records of the reader.
+    /// Takes all further records of the reader, which is not needed afterwards. The whole trace is
+    /// kept in memory.
     explicit CtfWriter(Reader& reader);
 
     U64 recordCount() const noexcept { return recordCount_; }

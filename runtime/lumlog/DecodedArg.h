@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lumlog/ByteCursor.h"
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <cstdint>
@@ -15,9 +16,9 @@ using DecodedArg = std::variant<bool, U64, std::int64_t, std::string>;
 
 /// Takes one stored argument of that code letter off the payload of a record; nothing when it is
 /// not there or makes no sense. Literals are not stored, so 'w' is refused.
-std::optional<DecodedArg> takeArg(char code, ByteCursor& payload);
+VORNIC_RUNTIME_API std::optional<DecodedArg> takeArg(char code, ByteCursor& payload);
 
 /// The text of an argument, which is the same as in a trace line.
-std::string argText(DecodedArg const& arg);
+VORNIC_RUNTIME_API std::string argText(DecodedArg const& arg);
 
 } // namespace Lumlog

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <string>
@@ -9,7 +10,7 @@
 namespace Lumlog {
 
 /// What a ring says about all records of one message, as `MsgDescriptor` does in the process.
-struct DecodedMessage {
+struct VORNIC_RUNTIME_API DecodedMessage {
     /// The text of a record whose message the ring does not describe (any more).
     static constexpr std::string_view lost = "(the description of this message is lost)";
 

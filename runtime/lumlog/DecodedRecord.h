@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lumlog/DecodedArg.h"
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <string>
@@ -9,7 +10,7 @@
 namespace Lumlog {
 
 /// One record of a ring buffer, in words.
-struct DecodedRecord {
+struct VORNIC_RUNTIME_API DecodedRecord {
     U64 sequence = 0; ///< the number of the record, from 0 on, since the ring was built
     U64 time = 0;     ///< nanoseconds since 1970 (UTC)
     U32 level = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "qor/Assert.h"
 #include "qor/Words.h"
@@ -17,7 +18,9 @@ namespace Lumlog {
 /// number, which is the same in all ring buffers of the process, when it records for the first
 /// time. Should a call site record other literal pieces later on, it gets another descriptor for
 /// them, which is kept for the life of the process.
-class MsgDescriptor {
+///
+/// Not thread-safe: used on the event thread only, like the rings.
+class VORNIC_RUNTIME_API MsgDescriptor {
 public:
     static constexpr std::size_t maxWords = 16; ///< literal pieces of a call site
     static constexpr U32 maxMessages = 1u << 16;

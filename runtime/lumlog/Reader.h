@@ -3,6 +3,7 @@
 #include "lumlog/DecodedMessage.h"
 #include "lumlog/DecodedRecord.h"
 #include "lumlog/RingFormat.h"
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <cstddef>
@@ -24,8 +25,10 @@ namespace Lumlog {
 /// told apart or decoded are left out, and nothing outside of `bytes` is ever read. Damage within a
 /// text or a number cannot be seen.
 ///
-/// Cost: building a reader walks the whole block once, `next` decodes one record.
-class Reader {
+/// Cost: building a reader searches `bytes` for the block and walks that once, `next` decodes one
+/// record. A reader is for one thread at a time, that of a living ring for the thread that writes
+/// the ring.
+class VORNIC_RUNTIME_API Reader {
 public:
     explicit Reader(std::span<std::byte const> bytes);
 

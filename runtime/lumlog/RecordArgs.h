@@ -4,6 +4,7 @@
 #include "lumlog/MsgDescriptor.h"
 #include "lumlog/RingBuffer.h"
 #include "netzo/IpGenAddr.h"
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "qor/Words.h"
 
@@ -84,11 +85,12 @@ template <class Arg> std::byte* appendArg(std::byte* at, Arg const& arg) noexcep
 
 /// Gives the call site the descriptor of these words, and its description to the ring; null when
 /// that message is disabled there.
-MsgDescriptor const* described(RingBuffer& ring, MsgDescriptor& site, char const* format,
-                               std::span<Qor::Words const> words) noexcept;
+VORNIC_RUNTIME_API MsgDescriptor const* described(RingBuffer& ring, MsgDescriptor& site,
+                                                  char const* format,
+                                                  std::span<Qor::Words const> words) noexcept;
 
 /// Shortens texts, the last first, until they take `excess` bytes less.
-void cutTexts(std::span<std::string_view> texts, std::size_t excess) noexcept;
+VORNIC_RUNTIME_API void cutTexts(std::span<std::string_view> texts, std::size_t excess) noexcept;
 
 /// Writes a record that is too large: the texts are shortened until it fits.
 template <class... Args>

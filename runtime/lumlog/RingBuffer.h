@@ -3,6 +3,7 @@
 #include "lumlog/Clock.h"
 #include "lumlog/MsgDescriptor.h"
 #include "lumlog/RingFormat.h"
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <atomic>
@@ -29,14 +30,16 @@ namespace Lumlog {
 ///
 /// Not thread-safe: written on the event thread only. A process that ends at any instruction leaves
 /// a readable ring.
-class RingBuffer {
+class VORNIC_RUNTIME_API RingBuffer {
 public:
     static constexpr std::size_t defaultSize = std::size_t{1} << 20;
     static constexpr std::size_t minSize = std::size_t{1} << 12;
     static constexpr std::size_t maxSize = std::size_t{1} << 32;
     static constexpr std::size_t minMaxPayload = minSize / 4 - sizeof(RingFormat::RecordHeader);
 
-    /// `size` is the room for records in bytes: a power of two from `minSize` to `maxSize`.
+    /// `size` is the room for records in bytes: a power of two from `minSize` to `maxSize`,
+    /// anything else fails an assertion. The block is about a quarter larger, by 16 KiB at least,
+    /// for the descriptions of the messages.
     explicit RingBuffer(std::size_t size);
     ~RingBuffer(); ///< when it is the current ring, the process has none afterwards
     RingBuffer(RingBuffer const&) = delete;
@@ -51,16 +54,18 @@ public:
     /// the ring before.
     static RingBuffer* currentIs(RingBuffer* ring) noexcept;
 
-    /// The one who is told, after each change, which ring is current.
+    /// The one who is told, after each change, which ring is current: the trace handles, which
+    /// take the place when one is built. Not for hosts, who would cut them off.
     using CurrentObserver = void (*)(RingBuffer* ring) noexcept;
     static void currentObserverIs(CurrentObserver observer) noexcept;
 
     /// The current ring if there is one by now, else null; builds none. Cost: one read.
     static RingBuffer* currentIfAny() noexcept { return current_; }
 
-    /// Messages are disabled by number (that of a decoded record, or `MsgDescriptor::msgId`): their
-    /// records are skipped. A message that nobody has disabled is enabled, also before its first
-    /// record.
+    /// Messages are disabled in this ring by number (that of a decoded record, or
+    /// `MsgDescriptor::msgId`): their records are skipped. A message that nobody has disabled is
+    /// enabled, also before its first record. To change a number from `MsgDescriptor::maxMessages`
+    /// on fails an assertion.
     void messageEnabledIs(U32 msgId, bool enabled);
     bool messageEnabled(U32 msgId) const noexcept { return (state(msgId) & disabled) == 0; }
     bool takes(MsgDescriptor const& descriptor) const noexcept {
@@ -84,13 +89,13 @@ public:
     /// A record is written by `startMsg`, appends that add up to `payloadSize`, and `endMsg`, with
     /// nothing that could write another record in between. `payloadSize` is at most `maxPayload()`.
     /// The message must have its number; it is written whether it is enabled or not.
-    std::byte* startMsg(MsgDescriptor const& descriptor, std::size_t payloadSize) noexcept;
+    inline std::byte* startMsg(MsgDescriptor const& descriptor, std::size_t payloadSize) noexcept;
     template <class T> static std::byte* append(std::byte* at, T const& value) noexcept {
         std::memcpy(at, &value, sizeof value);
         return at + sizeof value;
     }
-    static std::byte* appendBytes(std::byte* at, std::string_view text) noexcept;
-    void endMsg() noexcept;
+    static inline std::byte* appendBytes(std::byte* at, std::string_view text) noexcept;
+    inline void endMsg() noexcept;
 
     std::size_t maxPayload() const noexcept { return maxPayload_; }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Hash.h"
 #include "pelo/Integers.h"
 
@@ -66,7 +67,7 @@ struct DescriptorHeader {
 };
 static_assert(sizeof(DescriptorHeader) == 24);
 
-struct RecordHeader {
+struct VORNIC_RUNTIME_API RecordHeader {
     U16 units; ///< size of header and payload in multiples of 8 bytes
     U16 msgId;
     U32 sequence; ///< the low half of the record's number

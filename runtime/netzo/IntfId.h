@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "pelo/Parsed.h"
 #include "pelo/String.h"
@@ -18,11 +19,11 @@ namespace Netzo {
 /// Ids of one name share one counted entry of a process-wide table, which holds the names in use
 /// only: the last id of a name takes it out. A copy costs a use count, equality is a comparison of
 /// words, and the hash is kept with the name (it is that of `Pelo::String`, the same in every
-/// process). Building an id from a name costs one look-up.
+/// process). Building an id from a name costs one look-up, and an allocation when it is new.
 ///
 /// Default-built, and moved from, it is the id of the empty name. Thread-control rule (see
 /// `Pelo::ThreadControl`).
-class IntfId {
+class VORNIC_RUNTIME_API IntfId {
 public:
     constexpr IntfId() noexcept = default;
     explicit IntfId(std::string_view name);
@@ -88,6 +89,6 @@ private:
 
 static_assert(sizeof(IntfId) == sizeof(U64));
 
-std::ostream& operator<<(std::ostream& out, IntfId const& intf);
+VORNIC_RUNTIME_API std::ostream& operator<<(std::ostream& out, IntfId const& intf);
 
 } // namespace Netzo

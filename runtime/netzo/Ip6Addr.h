@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Hash.h"
 #include "pelo/Integers.h"
 #include "pelo/Parsed.h"
@@ -16,9 +17,9 @@ namespace Netzo {
 ///
 /// A regular value, compared and hashed as two words. Its text form is that of RFC 5952: lower
 /// case, the first of the longest runs of two or more zero groups shortened to `::`, and
-/// IPv4-mapped addresses (`::ffff:0:0/96`) with the IPv4 address in dots. `parse` takes every form
-/// of RFC 4291 and nothing else: no zone, no prefix length, no blanks.
-class Ip6Addr {
+/// IPv4-mapped addresses (five zero groups, then `ffff`) with the IPv4 address in dots. `parse`
+/// takes every form of RFC 4291 and nothing else: no zone, no prefix length, no blanks.
+class VORNIC_RUNTIME_API Ip6Addr {
 public:
     using Bytes = std::array<U8, 16>;
 
@@ -45,6 +46,6 @@ private:
     Bytes bytes_{};
 };
 
-std::ostream& operator<<(std::ostream& out, Ip6Addr const& address);
+VORNIC_RUNTIME_API std::ostream& operator<<(std::ostream& out, Ip6Addr const& address);
 
 } // namespace Netzo

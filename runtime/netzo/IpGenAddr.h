@@ -1,6 +1,7 @@
 #pragma once
 
 #include "netzo/Ip6Addr.h"
+#include "pelo/Export.h"
 #include "pelo/Hash.h"
 #include "pelo/Integers.h"
 #include "pelo/Parsed.h"
@@ -15,12 +16,13 @@ namespace Netzo {
 /// An IPv4 or IPv6 address: the family, and 16 bytes of which IPv4 uses the first four.
 ///
 /// A regular value of 17 bytes; default-built it is the IPv4 address `0.0.0.0`. Addresses of
-/// different families are never equal, whatever their bytes (`10.0.0.1` is not `::ffff:10.0.0.1`).
+/// different families are never equal, whatever their bytes: an IPv4 address is not the IPv6
+/// address that maps it.
 ///
 /// Its text form is four decimal numbers and dots, or that of `Ip6Addr`. `parse` tells the families
 /// apart by the text itself and is strict: IPv4 is four numbers from 0 to 255 without leading
 /// zeros.
-class IpGenAddr {
+class VORNIC_RUNTIME_API IpGenAddr {
 public:
     enum class Family : U8 { ip4, ip6 };
 
@@ -48,6 +50,6 @@ private:
     Family family_ = Family::ip4;
 };
 
-std::ostream& operator<<(std::ostream& out, IpGenAddr const& address);
+VORNIC_RUNTIME_API std::ostream& operator<<(std::ostream& out, IpGenAddr const& address);
 
 } // namespace Netzo

@@ -19,7 +19,8 @@ namespace Pelo {
 /// one, and two values are equal when their pointers are.
 ///
 /// Cost: `take` is one probe sequence; `release` is a count, and no search, unless the entry goes.
-/// The array of slots follows the number of entries in both directions.
+/// The array of slots follows the number of entries in both directions. Entries that are still in
+/// use when the table is destroyed are not freed, so it should outlive its users.
 ///
 /// Threads: under the thread-control rule (see `ThreadControl`). What holds:
 /// - Whenever the mutex is free, every entry in the table has a use: the last one is given back,
@@ -33,7 +34,8 @@ public:
 
     /// One use of the entry of this hash for which `matches(entry)` holds; if there is none, of the
     /// entry that `make()` returns, a pointer from `new` with a use count of 1. An exception of
-    /// `make` leaves the table as it was.
+    /// `make` leaves the table as it was. Both are called under the mutex: they must not use the
+    /// table.
     template <class Matches, class Make> Entry* take(U64 hash, Matches matches, Make make) {
         ThreadControlGuard const guard(mutex_);
         if (size_ + 1 > capacity_ - capacity_ / 4) {
@@ -51,7 +53,7 @@ public:
         return slots_[at].entry;
     }
 
-    /// Gives back one use.
+    /// Gives back one use; the entry, if that was its last, is destroyed before this returns.
     void release(Entry* entry) noexcept {
         if (countDecUnlessLast(entry->useCount)) {
             return;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "pelo/Parsed.h"
 
@@ -12,6 +13,6 @@ namespace Pelo {
 ///
 /// The place of an error is the first byte that no such number has there; for a text that ends too
 /// early, its end.
-Parsed<U64> parseDecimal(std::string_view text, U64 max);
+VORNIC_RUNTIME_API Parsed<U64> parseDecimal(std::string_view text, U64 max);
 
 } // namespace Pelo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <cstddef>
@@ -16,6 +17,6 @@ inline U64 hashMix(U64 a, U64 b) noexcept {
 
 /// The hash of a run of bytes, the same in every process. Cost: one multiplication for each 8
 /// bytes.
-U64 hashBytes(void const* bytes, std::size_t size) noexcept;
+VORNIC_RUNTIME_API U64 hashBytes(void const* bytes, std::size_t size) noexcept;
 
 } // namespace Pelo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "pelo/ThreadControl.h"
 
@@ -28,7 +29,7 @@ enum class NodeFlag : U32 {
 ///
 /// The order of the virtual functions is part of the binary interface, so they stand first:
 /// destructor, `lastUserGone`, `publisher`, `typeData`.
-class Node {
+class VORNIC_RUNTIME_API Node {
 protected:
     Node() noexcept = default;
     virtual ~Node();
@@ -49,6 +50,7 @@ public:
     Node& operator=(Node const&) = delete;
 
     void incUse() const noexcept { countInc(useCount_); }
+    /// Gives back one use. When it was the last, the object is gone afterwards.
     void decUseImpl() const noexcept {
         if (countDec(useCount_)) {
             const_cast<Node*>(this)->lastUserGone();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pelo/Export.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -8,7 +10,7 @@
 namespace Pelo {
 
 /// Why a text is not the value that it should be: where in the text, and what was expected there.
-struct ParseError {
+struct VORNIC_RUNTIME_API ParseError {
     std::size_t at = 0;   ///< offset in bytes of the first byte that does not fit
     std::string expected; ///< in words that follow "expected ", as "a number from 0 to 65535"
 };
@@ -20,6 +22,8 @@ public:
     Parsed(ParseError error) : error_(std::move(error)) {}
 
     explicit operator bool() const noexcept { return value_.has_value(); }
+
+    /// The value, which must be there: nothing is checked.
     T const& operator*() const& noexcept { return *value_; }
     T&& operator*() && noexcept { return std::move(*value_); }
     T const* operator->() const noexcept { return &*value_; }

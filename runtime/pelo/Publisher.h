@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <vector>
@@ -16,7 +17,7 @@ class Publisher;
 /// It lives inside the object that reacts. While it is subscribed it must not be moved; when it is
 /// destroyed it leaves its publisher by itself, and when the publisher goes first it becomes
 /// unsubscribed.
-class Subscriber {
+class VORNIC_RUNTIME_API Subscriber {
 public:
     /// `key` points to the changed key (null for an attribute that has none) and `value` to the
     /// value that the publishing type documents, which may be null; both are valid during the call
@@ -60,8 +61,9 @@ template <class Key> bool keysEqual(void const* a, void const* b) {
 /// not called any more, not even for the change under way), and may give back the last use of the
 /// publishing entity: the publication then ends after that reactor.
 ///
-/// Cost: a test when nobody subscribes, else one indirect call a subscriber. Not thread-safe.
-class Publisher {
+/// Cost: a publication is a test when nobody subscribes, else one indirect call a subscriber; to
+/// subscribe in front, or to unsubscribe, is a walk of the list. Not thread-safe.
+class VORNIC_RUNTIME_API Publisher {
 public:
     Publisher() = default;
     ~Publisher();

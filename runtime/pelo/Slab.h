@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <cstddef>
@@ -8,8 +9,9 @@ namespace Pelo {
 
 /// What a type has allocated: how many of its objects are alive, and how many were ever built.
 ///
-/// One per type, kept by `SlabAllocated`. Reads are for tests, inspection and leak hunting.
-class AllocationTracker {
+/// One per type, kept by `SlabAllocated` and changed by the slab functions only. Reads are for
+/// tests, inspection and leak hunting; they are not guarded.
+class VORNIC_RUNTIME_API AllocationTracker {
 public:
     /// In bytes; 0 until the first object is built.
     std::size_t objectSize() const noexcept { return objectSize_; }
@@ -34,22 +36,25 @@ private:
     U64 released_ = 0;
 };
 
-/// Takes storage for one object from the slab of its size class, or gives it back.
+/// Takes storage for one object, aligned to 16 bytes, from the slab of its size class, or gives it
+/// back with the size that was asked for.
 ///
-/// Storage comes in blocks that are cut into equal pieces; a piece given back is used again for the
-/// next object of that size class, and blocks are kept for the life of the process. Cost: a few
-/// instructions, and one block allocation in about a hundred. `slabAllocate` throws
-/// `std::bad_alloc` when a block cannot be had. Sizes above 4 KiB go to the global allocator.
-/// Guarded under the thread-control rule.
-void* slabAllocate(std::size_t size, AllocationTracker& tracker);
-void slabRelease(void* storage, std::size_t size, AllocationTracker& tracker) noexcept;
+/// Storage comes in blocks of 64 KiB that are cut into equal pieces; a piece given back is used
+/// again for the next object of that size class, and blocks are kept for the life of the process.
+/// Cost: a few instructions, and one block allocation for each block full of pieces. `slabAllocate`
+/// throws `std::bad_alloc` when a block cannot be had. Sizes above 4 KiB go to the global
+/// allocator. Guarded under the thread-control rule.
+VORNIC_RUNTIME_API void* slabAllocate(std::size_t size, AllocationTracker& tracker);
+VORNIC_RUNTIME_API void slabRelease(void* storage, std::size_t size,
+                                    AllocationTracker& tracker) noexcept;
 
 /// As `slabRelease`, for an object that was not built: the tracker forgets the allocation.
-void slabUndo(void* storage, std::size_t size, AllocationTracker& tracker) noexcept;
+VORNIC_RUNTIME_API void slabUndo(void* storage, std::size_t size,
+                                 AllocationTracker& tracker) noexcept;
 
 /// What `newNode` gives to `new`, for the `delete` that runs when the constructor throws: the
 /// language does not tell it the size.
-struct NodeSize {
+struct VORNIC_RUNTIME_API NodeSize {
     std::size_t bytes;
 };
 
@@ -61,7 +66,7 @@ struct NodeSize {
 /// `Pelo::newNode` builds the objects, plain `new` does not compile. The storage is taken and the
 /// allocation recorded before the constructor runs; when the constructor throws, the storage is
 /// returned and the record undone.
-template <class T> class SlabAllocated {
+template <class T> class VORNIC_RUNTIME_API SlabAllocated {
 public:
     static void* operator new(std::size_t size) = delete;
     static void* operator new(std::size_t size, NodeSize) {

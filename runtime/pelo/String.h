@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "pelo/ThreadControl.h"
 
@@ -13,10 +14,13 @@ namespace Pelo {
 
 /// Immutable text, shared by its copies and counted; its hash is kept with it.
 ///
-/// A copy costs a pointer and a use count (thread-control rule); comparing for equality compares
-/// the pointers first, then hash and length, and the bytes only when those agree. The empty text
-/// needs no storage. The text may hold any byte, NUL included; `data()` is NUL-terminated.
-class String {
+/// Building one from text costs an allocation, a copy of the bytes and their hash; a text of about
+/// 4 GiB or more is refused with `std::length_error`. A copy costs a pointer and a use count (see
+/// `ThreadControl`); comparing for equality compares the pointers first, then hash and length, and
+/// the bytes only when those agree. The empty text, which is also what default-built and moved-from
+/// ones hold, needs no storage. The text may hold any byte, NUL included; `data()` is
+/// NUL-terminated.
+class VORNIC_RUNTIME_API String {
 public:
     constexpr String() noexcept = default;
     String(std::string_view text);
@@ -71,6 +75,6 @@ private:
     Rep* rep_ = nullptr;
 };
 
-std::ostream& operator<<(std::ostream& out, String const& text);
+VORNIC_RUNTIME_API std::ostream& operator<<(std::ostream& out, String const& text);
 
 } // namespace Pelo

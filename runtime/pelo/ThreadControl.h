@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <atomic>
@@ -12,9 +13,9 @@ namespace Pelo {
 /// arithmetic. While it is on, use counts are changed atomically and the tables that values share
 /// (names of interfaces, tunnel groups, slab storage) are guarded. The host switches it on before
 /// it starts a second thread that copies a pointer or a value of the runtime, and may switch it off
-/// again only when that thread is gone. Use counts are all that it protects: entities themselves
-/// are changed on one thread at a time.
-class ThreadControl {
+/// again only when that thread is gone. Nothing else is protected: entities and collections are
+/// used on one thread at a time, and so is each single object of a value type.
+class VORNIC_RUNTIME_API ThreadControl {
 public:
     static bool multiThreaded() noexcept { return multiThreaded_.load(std::memory_order_relaxed); }
     static void multiThreadedIs(bool on) noexcept {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pelo/Export.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -7,14 +9,14 @@
 namespace Pelo {
 
 /// One character of a UTF-8 text.
-struct Utf8Character {
+struct VORNIC_RUNTIME_API Utf8Character {
     char32_t codePoint = 0;
     std::size_t length = 0; ///< in bytes; 0 when the bytes are not UTF-8
 };
 
 /// The character that begins `offset` bytes into `text`, which must be less than its size. Overlong
 /// forms, surrogates and values above U+10FFFF are not UTF-8.
-Utf8Character utf8At(std::string_view text, std::size_t offset) noexcept;
+VORNIC_RUNTIME_API Utf8Character utf8At(std::string_view text, std::size_t offset) noexcept;
 
 /// Whether a terminal would act upon the character instead of showing it: U+0000 to U+001F and
 /// U+007F to U+009F.
@@ -23,13 +25,14 @@ constexpr bool isControl(char32_t codePoint) noexcept {
 }
 
 /// The number of characters; a byte that is not UTF-8 counts as one.
-std::size_t utf8Length(std::string_view text) noexcept;
+VORNIC_RUNTIME_API std::size_t utf8Length(std::string_view text) noexcept;
 
-/// `text` in a form that is safe to show: control characters and bytes that are not UTF-8 become
-/// `\x1B`.
-std::string printable(std::string_view text);
+/// `text` in a form that is safe to show: each byte of a control character, and each that is not
+/// UTF-8, becomes four characters as `\x1B`. A backslash stays as it is, so the form is for people:
+/// it cannot be read back.
+VORNIC_RUNTIME_API std::string printable(std::string_view text);
 
 /// `byte` as `0x1B`.
-std::string hexByte(unsigned char byte);
+VORNIC_RUNTIME_API std::string hexByte(unsigned char byte);
 
 } // namespace Pelo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <string_view>
@@ -7,7 +8,7 @@
 namespace Qor {
 
 /// One failed assertion, as the assertion sink receives it (see `qor/Sinks.h`).
-struct AssertionFailure {
+struct VORNIC_RUNTIME_API AssertionFailure {
     std::string_view text;     ///< the condition that does not hold
     std::string_view unit;     ///< the source unit
     U32 line = 0;              ///< the line of the assertion
@@ -17,7 +18,7 @@ struct AssertionFailure {
 /// Hands the failure to the assertion sink and aborts the process, also when the sink returns or
 /// throws. An assertion that fails within the sink is written to standard error instead. The texts
 /// are NUL-terminated.
-[[noreturn, gnu::cold, gnu::noinline]] void
+[[noreturn, gnu::cold, gnu::noinline]] VORNIC_RUNTIME_API void
 assertionFailed(char const* text, char const* unit, U32 line, char const* function) noexcept;
 
 } // namespace Qor

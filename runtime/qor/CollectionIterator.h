@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Node.h"
 #include "pelo/Ptr.h"
 #include "pelo/Publisher.h"
@@ -16,8 +17,10 @@ namespace Qor {
 ///     }
 ///
 /// It is as safe as the collection's own iterator (`HashMap2018`): members may come and go, the
-/// current one included. It keeps the owner of the collection alive. Copies share one position.
-class CollectionIterator {
+/// current one included. It keeps the owner of the collection alive. Copies share one position, and
+/// only they are equal to each other. Cost: some allocations to begin, and a copy of each key or
+/// value that is asked for. Not thread-safe.
+class VORNIC_RUNTIME_API CollectionIterator {
 public:
     /// The position within the collection, in terms of generic values.
     class Walk {

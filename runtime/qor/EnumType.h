@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pelo/Export.h"
+
 #include <cstddef>
 #include <iosfwd>
 #include <span>
@@ -19,7 +21,7 @@ namespace Qor {
 /// enumeration are distinct, and so are the names of the enumerations of a process; a list that
 /// breaks this stops the process. Lookup walks the list. Reading is safe from any thread once the
 /// libraries are loaded.
-template <class Value> class EnumType {
+template <class Value> class VORNIC_RUNTIME_API EnumType {
 public:
     struct Enumerator {
         Value value;

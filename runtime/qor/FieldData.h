@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Publisher.h"
 #include "qor/GenericValue.h"
 
@@ -14,7 +15,7 @@ namespace Qor {
 enum class OpCode {
     get,     ///< attribute: (); collection: (key), a default value when the key is absent
     lookup,  ///< collection: (key), nothing when the key is absent
-    set,     ///< attribute: (value); collection: (key, value); either: construction arguments
+    set,     ///< attribute: (value); collection: (key, value); or what builds the value
     has,     ///< collection: (key)
     del,     ///< attribute: (); collection: (key); gives what the mutator returns
     delAll,  ///< collection: ()
@@ -24,17 +25,17 @@ enum class OpCode {
 };
 
 /// The name of an operation code, "del" for `OpCode::del`; its number when it is none.
-std::string stringValue(OpCode code);
+VORNIC_RUNTIME_API std::string stringValue(OpCode code);
 
 enum class FieldKind { attribute, collection, operation };
 
-struct ArgumentData {
+struct VORNIC_RUNTIME_API ArgumentData {
     char const* name;
     ValueType const* type;
 };
 
 /// The entity to which an access is made.
-struct AccessTarget {
+struct VORNIC_RUNTIME_API AccessTarget {
     Pelo::Node& node;
     bool constant; ///< the caller holds it as a constant: nothing may be changed
 };
@@ -42,7 +43,7 @@ struct AccessTarget {
 using AccessRun = std::function<GenericValue(AccessTarget const&, Arguments)>;
 
 /// What one operation code takes, gives and does.
-struct FieldAccess {
+struct VORNIC_RUNTIME_API FieldAccess {
     OpCode code;
     bool changes; ///< refused on a constant entity
     std::vector<ArgumentData> arguments;
@@ -52,7 +53,7 @@ struct FieldAccess {
 };
 
 /// The description of one attribute, collection or operation of a type.
-struct FieldData {
+struct VORNIC_RUNTIME_API FieldData {
     Pelo::FieldId number;
     char const* name;
     FieldKind kind;
@@ -81,6 +82,6 @@ struct FieldData {
 };
 
 /// "name: type, name: type".
-std::string listText(std::span<ArgumentData const> arguments);
+VORNIC_RUNTIME_API std::string listText(std::span<ArgumentData const> arguments);
 
 } // namespace Qor

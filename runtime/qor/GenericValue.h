@@ -1,9 +1,11 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Node.h"
 #include "qor/ValueType.h"
 
 #include <any>
+#include <concepts>
 #include <initializer_list>
 #include <iosfwd>
 #include <span>
@@ -12,6 +14,9 @@
 #include <utility>
 
 namespace Qor {
+
+/// The description of `T`.
+template <class T> auto valueTypeOf() -> ValueType const&;
 
 namespace Detail {
 
@@ -45,7 +50,10 @@ template <class T> using StoredType = typename Detail::Stored<std::decay_t<T>>::
 /// A value is read as the very type that it was made of, numbers included. The one exception: a
 /// `Pelo::Ptr<T>` may be read as a `Pelo::Ptr<T const>`. A pointer to a derived type is not taken
 /// for one to its base; whoever makes the value converts it first.
-class GenericValue {
+///
+/// A copy is a value of its own; a pointer in it holds a use. Cost: what does not fit into a word
+/// is allocated, so generic access is for tools rather than for hot paths.
+class VORNIC_RUNTIME_API GenericValue {
 public:
     GenericValue() = default; ///< nothing
 
@@ -84,7 +92,7 @@ public:
     Pelo::Ptr<Pelo::Node> mutableNode() const;
 
     /// Equal values of the same type are equal, and so is nothing to nothing.
-    friend bool operator==(GenericValue const& a, GenericValue const& b);
+    friend VORNIC_RUNTIME_API bool operator==(GenericValue const& a, GenericValue const& b);
 
 private:
     GenericValue(ValueType const& type, std::any value) : type_(&type), value_(std::move(value)) {}
@@ -95,11 +103,12 @@ private:
     std::any value_;
 };
 
-std::ostream& operator<<(std::ostream& out, GenericValue const& value);
+/// Prints the text form; "nothing" for nothing.
+VORNIC_RUNTIME_API std::ostream& operator<<(std::ostream& out, GenericValue const& value);
 
 /// The arguments of an access, borrowed for the time of the call: from a vector, a span or a list
 /// in braces.
-class Arguments : public std::span<GenericValue const> {
+class VORNIC_RUNTIME_API Arguments : public std::span<GenericValue const> {
 public:
     using std::span<GenericValue const>::span;
     Arguments() = default;
@@ -148,7 +157,7 @@ private:
 
 } // namespace Detail
 
-template <class T> ValueType const& valueTypeOf() {
+template <class T> auto valueTypeOf() -> ValueType const& {
     static Detail::ValueTypeFor<T> const type;
     return type;
 }

@@ -31,13 +31,17 @@ namespace Qor {
 /// Members stand in one array, in order, beside an index (see `MemberIndex.h`); a deleted member
 /// leaves a hole, and holes are closed when the array is full. Cost: lookup one probe sequence (one
 /// load for a key that is a small number, see `DirectKey`) and one member; insertion and deletion
-/// the same, amortised; a walk is a walk of the array. The array does not shrink before
-/// `memberDelAll`.
+/// the same, amortised, and a deletion looks at each walk under way; a walk is a walk of the array.
+/// The array does not shrink before `memberDelAll`.
+///
+/// A key is an integer, a `DirectKey`, or a value that has `hash()` (see `keyHash`); keys are
+/// compared with `==`.
 ///
 /// Pointers and references to members, keys and values hold until the next change of the
-/// collection. Keys and values must move without throwing; an operation that throws (out of memory)
-/// has changed nothing. A value is destroyed when the collection is in order again, so its
-/// destructor may use the collection. Not thread-safe.
+/// collection. Keys and values must move without throwing; an operation that throws has changed
+/// nothing: `std::bad_alloc`, or `std::length_error` for an array of more than 2^32 - 1 places. A
+/// value is destroyed when the collection is in order again, so its destructor may use the
+/// collection. Not thread-safe.
 template <class K, class V> class HashMap2018 : private HashMapBase {
     static_assert(std::is_nothrow_move_constructible_v<K> &&
                   std::is_nothrow_move_constructible_v<V>);
@@ -122,7 +126,7 @@ public:
         return Change::replaced;
     }
 
-    /// Replaces the value of a member that is there by `value` and gives the former one back.
+    /// Replaces the value of a member of this collection by `value` and gives the former one back.
     V valueExchange(Member const& member, V value) noexcept {
         return std::exchange(members_[static_cast<U32>(&member - members_.get())].value_,
                              std::move(value));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <cstddef>
@@ -10,7 +11,7 @@ namespace Qor {
 ///
 /// A walk registers itself, so that the collection can tell it when its member goes, when holes are
 /// closed and when the collection itself goes.
-class HashMapBase {
+class VORNIC_RUNTIME_API HashMapBase {
 public:
     class IteratorBase {
     public:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Node.h"
 #include "pelo/Parsed.h"
 #include "pelo/Ptr.h"
@@ -16,34 +17,38 @@
 ///
 /// Every access is checked as a whole against the table of the entity's type before anything is
 /// done. What is refused has changed nothing: an unknown field (`UnknownFieldException`), an
-/// operation code that the field does not take
-/// (`ReadOnlyAttributeException` for a mutation of something that can only be read, else
-/// `OperationRefusedException`), a change through a constant (`ConstEntityException`), a wrong
-/// number of arguments
-/// (`ArgumentCountException`) and an argument of another type (`ArgumentTypeException`), in this
-/// order. Exceptions of the accessor itself pass through.
+/// operation code that the field does not take (`ReadOnlyAttributeException` for a mutation of
+/// something that can only be read, else `OperationRefusedException`), a change through a constant
+/// (`ConstEntityException`), a wrong number of arguments (`ArgumentCountException`) and an argument
+/// of another type (`ArgumentTypeException`), in this order. Exceptions of the accessor itself pass
+/// through.
+///
+/// Cost: a walk of the type's fields, an indirect call, and generic values for what goes in and
+/// comes out. On the event thread only, as what is called.
 namespace Qor {
 
 /// Does `code` to the field of that number.
-GenericValue inspectOperation(Pelo::Node& node, Pelo::FieldId field, OpCode code,
-                              Arguments arguments = {});
+VORNIC_RUNTIME_API GenericValue inspectOperation(Pelo::Node& node, Pelo::FieldId field, OpCode code,
+                                                 Arguments arguments = {});
 
 /// The same on a constant: whatever would change the entity is refused, and so is `del()` of an
 /// iterator got here.
-GenericValue inspectOperation(Pelo::Node const& node, Pelo::FieldId field, OpCode code,
-                              Arguments arguments = {});
+VORNIC_RUNTIME_API GenericValue inspectOperation(Pelo::Node const& node, Pelo::FieldId field,
+                                                 OpCode code, Arguments arguments = {});
 
 /// A walk through a collection: `OpCode::iterate` with its result unpacked.
-CollectionIterator collectionIterator(Pelo::Node& node, Pelo::FieldId field);
-CollectionIterator collectionIterator(Pelo::Node const& node, Pelo::FieldId field);
+VORNIC_RUNTIME_API CollectionIterator collectionIterator(Pelo::Node& node, Pelo::FieldId field);
+VORNIC_RUNTIME_API CollectionIterator collectionIterator(Pelo::Node const& node,
+                                                         Pelo::FieldId field);
 
 /// Builds an object of the type with its creator, the arguments in the order of their declaration.
 ///
 /// Refused as an access is; a type without constructor with `OperationRefusedException`.
-Pelo::Ptr<Pelo::Node> genericIfConstructFromCtorArgs(TypeData const& type, Arguments arguments);
+VORNIC_RUNTIME_API Pelo::Ptr<Pelo::Node> genericIfConstructFromCtorArgs(TypeData const& type,
+                                                                        Arguments arguments);
 
 /// Why a call by texts is refused.
-struct CallRefusal {
+struct VORNIC_RUNTIME_API CallRefusal {
     /// Stands for the name of the operation where an argument's position is expected.
     static constexpr std::size_t operationName = std::numeric_limits<std::size_t>::max();
 
@@ -51,7 +56,7 @@ struct CallRefusal {
     Pelo::ParseError error; ///< where in that text, and what is expected there
 };
 
-struct CallResult {
+struct VORNIC_RUNTIME_API CallResult {
     GenericValue value;                 ///< nothing for an operation without result
     std::optional<CallRefusal> refusal; ///< the operation has not been called
 };
@@ -63,9 +68,9 @@ struct CallResult {
 ///
 /// What does not fit is no exception but a refusal, since the texts are most often typed by people.
 /// An exception of the operation itself passes through, and so does `ConstEntityException`.
-CallResult callByName(Pelo::Node& node, std::string_view operation,
-                      std::span<std::string_view const> texts);
-CallResult callByName(Pelo::Node const& node, std::string_view operation,
-                      std::span<std::string_view const> texts);
+VORNIC_RUNTIME_API CallResult callByName(Pelo::Node& node, std::string_view operation,
+                                         std::span<std::string_view const> texts);
+VORNIC_RUNTIME_API CallResult callByName(Pelo::Node const& node, std::string_view operation,
+                                         std::span<std::string_view const> texts);
 
 } // namespace Qor

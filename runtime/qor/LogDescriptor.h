@@ -1,11 +1,12 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 namespace Qor {
 
 /// What is fixed about one log message. All texts are literals.
-struct LogDescriptor {
+struct VORNIC_RUNTIME_API LogDescriptor {
     char const* id;
     char const* format; ///< the message, with one `%s` where its argument goes
     char const* explanation;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pelo/Duration.h"
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "qor/LogDescriptor.h"
 
@@ -14,20 +15,20 @@ namespace Qor {
 ///
 /// With `minInterval` zero, the default, every message passes. Otherwise:
 /// - After a quiet time the first `burst` messages pass at once (one, when `burst` is 0 or 1).
-/// - From then on a message passes when the interval has gone by since the one that passed before
-/// it. The interval
-///   begins at `minInterval`, and each message that passes this way multiplies it by `factor`, up
-///   to `maxInterval` (or `minInterval`, when that is longer). All other messages are suppressed.
-/// - A quiet time is one interval, as long as it is by then, in which no message arrives, be it one
-/// that would have
-///   been suppressed. After it the burst is free again and the interval is back at `minInterval`.
-///   So a condition that lasts is reported ever more rarely, and a new one is reported at once.
-/// - Suppressed messages are counted up to `reported`, and the next message that passes carries the
-/// count.
+/// - From then on a message passes when the interval has gone by since the last one that passed.
+///   The interval begins at `minInterval`, and each message that passes this way multiplies it by
+///   `factor`, up to `maxInterval` (or `minInterval`, when that is longer). All other messages are
+///   suppressed.
+/// - A quiet time is one interval, as long as it is by then, in which no message arrives, be it
+///   one that would have been suppressed. After it the burst is free again and the interval is back
+///   at `minInterval`. So a condition that lasts is reported ever more rarely, and a new one is
+///   reported at once.
+/// - Suppressed messages are counted up to `reported` (0: not at all), and the next message that
+///   passes carries the count.
 ///
 /// Cost: a comparison when nothing is limited, else a reading of the clock. Not thread-safe: event
 /// thread only.
-class LogHandle {
+class VORNIC_RUNTIME_API LogHandle {
 public:
     static constexpr Pelo::Duration maxInterval = std::chrono::hours(1);
 
@@ -42,7 +43,7 @@ public:
 
     LogDescriptor const& descriptor() const noexcept { return descriptor_; }
 
-    /// Whether the message that arrives now passes.
+    /// Takes note of a message that arrives now and says whether it passes; `Qor::log` asks.
     bool passes();
 
     /// The suppressed messages to report with the message that passes; begins counting anew.
@@ -80,6 +81,6 @@ private:
 /// The clock of all rate limits, as the time since any fixed moment; for tests. An empty function
 /// stands for the steady clock. Returns the clock that was set before.
 using LogClock = std::function<Pelo::Duration()>;
-LogClock logClockIs(LogClock clock);
+VORNIC_RUNTIME_API LogClock logClockIs(LogClock clock);
 
 } // namespace Qor

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Hash.h"
 #include "pelo/Integers.h"
 #include "qor/TagGroup.h"
@@ -43,7 +44,7 @@ inline constexpr U32 noPosition = 0xFFFFFFFF;
 /// never make a search longer.
 ///
 /// Cost: most often one group and one comparison of keys; none when there is no such key.
-class HashIndex {
+class VORNIC_RUNTIME_API HashIndex {
 public:
     HashIndex() noexcept = default;
     HashIndex(HashIndex const&) = delete;
@@ -70,7 +71,7 @@ public:
     /// changed nothing.
     template <class Key> void grow(Key const&) { grow(); }
 
-    /// Files a member that is not here yet.
+    /// Files a member that is not here yet. There must be room: see `hasRoom`.
     template <class Key> void insert(Key const&, U32 hash, U32 position) noexcept {
         insert(hash, position);
     }
@@ -154,7 +155,7 @@ private:
 /// the largest seen. It has the operations of `HashIndex`.
 ///
 /// Cost: one load.
-class DirectIndex {
+class VORNIC_RUNTIME_API DirectIndex {
 public:
     DirectIndex() noexcept = default;
     DirectIndex(DirectIndex const&) = delete;

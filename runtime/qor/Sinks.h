@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "qor/Assert.h"
 #include "qor/LogMessage.h"
@@ -29,16 +30,16 @@ using AssertionSink = std::function<void(AssertionFailure const&)>;
 using TraceSink = std::function<void(TraceLine const&)>;
 using LogSink = std::function<void(LogMessage const&)>;
 
-AssertionSink assertionSinkIs(AssertionSink sink);
-TraceSink traceSinkIs(TraceSink sink);
-LogSink logSinkIs(LogSink sink);
+VORNIC_RUNTIME_API AssertionSink assertionSinkIs(AssertionSink sink);
+VORNIC_RUNTIME_API TraceSink traceSinkIs(TraceSink sink);
+VORNIC_RUNTIME_API LogSink logSinkIs(LogSink sink);
 
 /// Hand a report to the sink; for the runtime's own use.
-void assertionEmit(AssertionFailure const& failure) noexcept;
-void traceEmit(TraceLine const& line) noexcept;
-void logEmit(LogMessage const& message) noexcept;
+VORNIC_RUNTIME_API void assertionEmit(AssertionFailure const& failure) noexcept;
+VORNIC_RUNTIME_API void traceEmit(TraceLine const& line) noexcept;
+VORNIC_RUNTIME_API void logEmit(LogMessage const& message) noexcept;
 
 /// A point in time, in nanoseconds since 1970 in UTC, in the form "2024-05-17T08:30:00.123456Z".
-std::string utcTimeText(U64 nanoseconds);
+VORNIC_RUNTIME_API std::string utcTimeText(U64 nanoseconds);
 
 } // namespace Qor

@@ -3,6 +3,7 @@
 #include "lumlog/MsgDescriptor.h"
 #include "lumlog/Record.h"
 #include "lumlog/RingBuffer.h"
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "qor/TraceHandle.h"
 #include "qor/TraceHelper.h"
@@ -25,9 +26,10 @@
 /// compile. The words of a call site are stored once, the first time that it records; a site whose
 /// words change has a message for each wording.
 ///
-/// `level` and `unit` are constants. The pieces are evaluated only when they are needed, and once.
-/// While there is a ring buffer they are needed, also for a message that is disabled there: the
-/// words among them tell which message it is. An exception while tracing ends the process.
+/// `level` (0 to 63) and `unit` are constants. The pieces are evaluated only when they are needed,
+/// and once. While there is a ring buffer they are needed, also for a message that is disabled
+/// there: the words among them tell which message it is. An exception while a piece is printed or
+/// recorded ends the process. On the event thread only, as handle and ring buffer.
 ///
 /// Cost: one test of one word when neither the level is on nor a ring buffer is there; with a ring
 /// buffer some ten to twenty nanoseconds, in which no text is made of any piece that
@@ -43,7 +45,7 @@
 /// parentheses:
 ///
 ///     QOR_TRACE_TWIN(vpTrace, 1, unit, "handleEdgeVport", (" pvKey: ", key),
-///                    (" port: ", key.port().name(), " vlan: ", key.vlan()));
+///                    (" port: ", key.intf().name(), " vlan: ", key.vlan()));
 #define QOR_TRACE_TWIN(handle, level, unit, op, tracePieces, ringPieces)                           \
     QOR_TRACE_SITE(handle, level, unit, {                                                          \
         if (qorTraceSite.recordWanted()) {                                                         \
@@ -77,7 +79,7 @@ namespace Qor {
 
 /// One run through a trace statement: decides who gets it, and writes the record and the line. For
 /// the statements above only.
-class TraceSite {
+class VORNIC_RUNTIME_API TraceSite {
 public:
     TraceSite(TraceHandle const& handle, Lumlog::MsgDescriptor& descriptor,
               char const* function) noexcept

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <string_view>
@@ -20,7 +21,7 @@ namespace Qor {
 /// while the process has a current ring buffer, which records every level.
 ///
 /// Not thread-safe: built, changed and used on the event thread.
-class TraceHandle {
+class VORNIC_RUNTIME_API TraceHandle {
 public:
     static constexpr U32 levelCount = 64;
 
@@ -46,7 +47,7 @@ public:
     U64 levelsMask() const noexcept { return levelsMask_; }
     void levelsMaskIs(U64 mask) noexcept;
 
-    /// Switches one level; `level` is below 64.
+    /// Switches one level; one past 63 fails an assertion.
     void levelIs(U32 level, bool on);
 
     /// The handle of that name, or null. Of several with one name, the one built last.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "qor/TraceHandle.h"
 #include "qor/TraceLine.h"
@@ -16,7 +17,7 @@ namespace Qor {
 /// The helper emits whatever the levels of the handle: who builds one has asked `isOn`. The texts
 /// it is given must outlive it. An exception while the line is emitted ends the process. The
 /// statements of `qor/Trace.h` do all this.
-class TraceHelper {
+class VORNIC_RUNTIME_API TraceHelper {
 public:
     TraceHelper(TraceHandle const& handle, U32 level, char const* file, U32 line,
                 char const* function) noexcept

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 
 #include <string_view>
@@ -10,7 +11,7 @@ class TraceHandle;
 
 /// One finished trace line, as the trace sink receives it (see `qor/Sinks.h`). The texts are valid
 /// during the call.
-struct TraceLine {
+struct VORNIC_RUNTIME_API TraceLine {
     TraceHandle const& handle;
     U32 level;
     std::string_view file; ///< the source unit of the call site

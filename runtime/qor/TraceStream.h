@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lumlog/ArgTraits.h"
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "pelo/String.h"
 #include "qor/Words.h"
@@ -23,7 +24,8 @@ template <class T>
 concept OstreamPrintable = requires(std::ostream& out, T const& value) { out << value; };
 
 /// Appends what `print` writes to a text stream.
-void appendPrinted(std::string& text, void const* value, void (*print)(std::ostream&, void const*));
+VORNIC_RUNTIME_API void appendPrinted(std::string& text, void const* value,
+                                      void (*print)(std::ostream&, void const*));
 
 } // namespace Internal
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "qor/FieldAccessors.h"
 #include "qor/TypeData.h"
 
@@ -16,7 +17,7 @@ namespace Detail {
 
 /// The part of a table under construction that does not depend on the type. Everything that is
 /// declared twice or does not fit stops the process.
-class TypeBuilderBase {
+class VORNIC_RUNTIME_API TypeBuilderBase {
 protected:
     explicit TypeBuilderBase(char const* typeName) : name_(typeName) {}
     ~TypeBuilderBase() = default;

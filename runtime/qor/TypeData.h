@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Node.h"
 #include "pelo/Ptr.h"
 #include "qor/FieldData.h"
@@ -20,8 +21,9 @@ class TypeModule;
 /// The description of an entity type: its attributes, collections and operations in order, and how
 /// to construct it.
 ///
-/// One object a type, made by `TypeBuilder`; see there for how a type declares its own.
-class TypeData {
+/// One object a type, made by `TypeBuilder`; see there for how a type declares its own. It never
+/// changes once it is built, so any thread may read it. Fields and types are looked up by walking.
+class VORNIC_RUNTIME_API TypeData {
 public:
     struct Constructor {
         std::vector<ArgumentData> arguments;
@@ -71,6 +73,6 @@ private:
 
 /// Prints the type for reference: its name with the constructor's arguments, then a line a field
 /// with number and signature, each with its documentation on a line below.
-std::ostream& operator<<(std::ostream& out, TypeData const& type);
+VORNIC_RUNTIME_API std::ostream& operator<<(std::ostream& out, TypeData const& type);
 
 } // namespace Qor

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "qor/TypeData.h"
 
 #include <cstddef>
@@ -12,7 +13,7 @@
 namespace Qor {
 
 /// The types of one library or unit, in the order of their indices; registered as long as the
-/// object lives.
+/// object lives, which they must outlive.
 ///
 /// A library registers its types when it is loaded:
 ///
@@ -21,7 +22,7 @@ namespace Qor {
 /// The names of modules are distinct within a process, and so are those of the registered types; a
 /// module that breaks this stops the process. Reading is safe from any thread once the libraries
 /// are loaded.
-class TypeModule {
+class VORNIC_RUNTIME_API TypeModule {
 public:
     TypeModule(char const* name, std::initializer_list<TypeData const*> types);
     ~TypeModule();

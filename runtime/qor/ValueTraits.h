@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pelo/Decimal.h"
+#include "pelo/Export.h"
 #include "pelo/Integers.h"
 #include "pelo/Parsed.h"
 #include "pelo/Ptr.h"
@@ -29,13 +30,13 @@ enum class ValueKind {
 };
 
 /// The name of a C++ type as its source spells it, with its namespaces.
-std::string sourceName(std::type_info const& type);
+VORNIC_RUNTIME_API std::string sourceName(std::type_info const& type);
 
 /// Takes "true" and "false".
-Pelo::Parsed<bool> parseBool(std::string_view text);
+VORNIC_RUNTIME_API Pelo::Parsed<bool> parseBool(std::string_view text);
 
 /// "TYPE", or "TYPE \"NAME\"" for an entity that has a name; "null" for a null pointer.
-std::string entityText(Pelo::Node const* node);
+VORNIC_RUNTIME_API std::string entityText(Pelo::Node const* node);
 
 /// How generic access deals with values of type `T`: its name, its kind, its text form and how it
 /// is read from text.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Export.h"
 #include "pelo/Parsed.h"
 #include "qor/ValueTraits.h"
 
@@ -16,7 +17,7 @@ class GenericValue;
 
 /// The description of a type of values, as generic access needs it; one object a C++ type, made of
 /// its `ValueTraits`.
-class ValueType {
+class VORNIC_RUNTIME_API ValueType {
 public:
     ValueType(ValueType const&) = delete;
     ValueType& operator=(ValueType const&) = delete;
@@ -46,7 +47,7 @@ protected:
 
 private:
     friend class GenericValue;
-    friend bool operator==(GenericValue const& a, GenericValue const& b);
+    friend VORNIC_RUNTIME_API bool operator==(GenericValue const& a, GenericValue const& b);
 
     // For values that are of this very type.
     virtual std::string text(std::any const& value) const = 0;
@@ -59,9 +60,6 @@ private:
     std::type_info const*
         asConst_; ///< of the pointer to constant, for a pointer to something mutable
 };
-
-/// The description of `T`. Defined in "qor/GenericValue.h".
-template <class T> ValueType const& valueTypeOf();
 
 namespace Detail {
 

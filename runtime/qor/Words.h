@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pelo/Export.h"
+
 #include <cstddef>
 #include <string_view>
 
@@ -11,7 +13,7 @@ namespace Qor {
 ///
 /// Only a literal (or another constant) can become `Words`, so the text lives as long as the
 /// program, and a trace needs to keep nothing but its address.
-class Words {
+class VORNIC_RUNTIME_API Words {
 public:
     constexpr Words() noexcept = default;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pelo/CountedTable.h"
+#include "pelo/Export.h"
 #include "pelo/Hash.h"
 #include "pelo/Integers.h"
 #include "pelo/Parsed.h"
@@ -22,7 +23,7 @@ namespace Vxlan {
 ///
 /// Its text form is the decimal number, read in that form only. Thread-control rule (see
 /// `Pelo::ThreadControl`).
-class SwTunnelGroupId {
+class VORNIC_RUNTIME_API SwTunnelGroupId {
     struct Entry {
         U64 hash;
         U32 useCount;
@@ -86,6 +87,6 @@ private:
     Entry* entry_; ///< null when moved from
 };
 
-std::ostream& operator<<(std::ostream& out, SwTunnelGroupId const& group);
+VORNIC_RUNTIME_API std::ostream& operator<<(std::ostream& out, SwTunnelGroupId const& group);
 
 } // namespace Vxlan

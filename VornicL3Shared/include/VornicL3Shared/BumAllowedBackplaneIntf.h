@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VornicL3Shared/Export.h"
 #include "interface/IntfSet.h"
 #include "pelo/Slab.h"
 #include "qor/Entity.h"
@@ -15,8 +16,9 @@ namespace VornicL3 {
 /// carries the *former* set, an `Interface::IntfSet const*` that is never null; what holds now is
 /// read from here. (The records of virtual ports carry the new value instead.) A subscriber may
 /// change the entity, add and remove subscribers, and drop its last pointer. Not thread-safe.
-class BumAllowedBackplaneIntf final : public Qor::Entity,
-                                      public Pelo::SlabAllocated<BumAllowedBackplaneIntf> {
+class VORNICL3SHARED_API BumAllowedBackplaneIntf final
+    : public Qor::Entity,
+      public Pelo::SlabAllocated<BumAllowedBackplaneIntf> {
 public:
     static constexpr Pelo::FieldId intfsField = 258;
     static constexpr Pelo::FieldId pathField = 259;
@@ -24,6 +26,7 @@ public:
     /// No interface is allowed yet.
     explicit BumAllowedBackplaneIntf(Pelo::String const& name) : Entity(name) {}
 
+    /// A new set without interfaces, as `bumAllowedBackplaneIntfFactory` builds it.
     static Pelo::Ptr<BumAllowedBackplaneIntf> BumAllowedBackplaneIntfIs(Pelo::String const& name);
 
     static constexpr std::string_view path() noexcept {
@@ -41,6 +44,7 @@ private:
     Interface::IntfSet intfs_;
 };
 
-Pelo::Ptr<BumAllowedBackplaneIntf> bumAllowedBackplaneIntfFactory(Pelo::String const& name);
+VORNICL3SHARED_API Pelo::Ptr<BumAllowedBackplaneIntf>
+bumAllowedBackplaneIntfFactory(Pelo::String const& name);
 
 } // namespace VornicL3

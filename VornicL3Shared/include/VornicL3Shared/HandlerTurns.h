@@ -1,5 +1,7 @@
 #pragma once
 
+#include "VornicL3Shared/Export.h"
+
 #include <deque>
 #include <functional>
 #include <type_traits>
@@ -16,7 +18,7 @@ namespace VornicCentral {
 /// left until no change is left. So every handler finds records that agree.
 ///
 /// Cost: the test of one flag, unless something is left. Not thread-safe.
-class HandlerTurns {
+class VORNICL3SHARED_API HandlerTurns {
 public:
     /// Whether a handler is running.
     bool running() const noexcept { return running_; }
@@ -39,8 +41,9 @@ public:
         }
     }
 
-    /// Leaves a change of `owner`, or a release, to whoever is running; the handler keeps alive
-    /// what it needs. Like a reactor it must not throw: whoever runs it did not ask for it.
+    /// Leaves a change of `owner`, or a release, to whoever is running (when nobody is, it waits
+    /// until somebody runs); the handler keeps alive what it needs. Like a reactor it must not
+    /// throw: whoever runs it did not ask for it.
     template <class Handler> void leave(void const* owner, Handler handler) {
         push(left_, owner, std::move(handler));
     }

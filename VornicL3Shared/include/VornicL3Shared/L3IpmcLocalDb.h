@@ -1,6 +1,7 @@
 #pragma once
 
 #include "VornicL3Shared/BumAllowedBackplaneIntf.h"
+#include "VornicL3Shared/Export.h"
 #include "VornicL3Shared/NonUcastHigigIntfs.h"
 #include "pelo/Node.h"
 #include "pelo/Ptr.h"
@@ -13,7 +14,8 @@ namespace VornicL3 {
 /// It holds one use of each as long as it lives, and nothing else: neither name nor publisher. What
 /// it refers to never changes. The backplane set is a constant to those who come through here, by
 /// generic access too.
-class L3IpmcLocalDb final : public Pelo::Node, public Pelo::SlabAllocated<L3IpmcLocalDb> {
+class VORNICL3SHARED_API L3IpmcLocalDb final : public Pelo::Node,
+                                               public Pelo::SlabAllocated<L3IpmcLocalDb> {
 public:
     static constexpr Pelo::FieldId allowedBackplaneIntfField = 130;
     static constexpr Pelo::FieldId hwHigigIntfsField = 131;
@@ -23,6 +25,7 @@ public:
                   Pelo::Ptr<NonUcastHigigIntfs> const& hwHigigIntfs)
         : allowedBackplaneIntf_(allowedBackplaneIntf), hwHigigIntfs_(hwHigigIntfs) {}
 
+    /// A new database, as `l3IpmcLocalDbFactory` builds it.
     static Pelo::Ptr<L3IpmcLocalDb>
     L3IpmcLocalDbIs(Pelo::Ptr<BumAllowedBackplaneIntf const> const& allowedBackplaneIntf,
                     Pelo::Ptr<NonUcastHigigIntfs> const& hwHigigIntfs);
@@ -40,7 +43,7 @@ private:
     Pelo::Ptr<NonUcastHigigIntfs> hwHigigIntfs_;
 };
 
-Pelo::Ptr<L3IpmcLocalDb>
+VORNICL3SHARED_API Pelo::Ptr<L3IpmcLocalDb>
 l3IpmcLocalDbFactory(Pelo::Ptr<BumAllowedBackplaneIntf const> const& allowedBackplaneIntf,
                      Pelo::Ptr<NonUcastHigigIntfs> const& hwHigigIntfs);
 

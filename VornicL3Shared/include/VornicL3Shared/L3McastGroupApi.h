@@ -4,6 +4,7 @@
 // found, the two interface sets and the database that binds them.
 
 #include "VornicL3Shared/BumAllowedBackplaneIntf.h"
+#include "VornicL3Shared/Export.h"
 #include "VornicL3Shared/L3IpmcLocalDb.h"
 #include "VornicL3Shared/L3McastGroupApiHolder.h"
 #include "VornicL3Shared/NonUcastHigigIntfs.h"
@@ -22,8 +23,9 @@ namespace VornicL3 {
 ///
 /// Both operations can be called by number and by name through generic access, whatever the
 /// implementation; there they are refused on a constant. An implementation lives as long as
-/// somebody holds it, the holder included.
-class L3McastGroupApi : public Pelo::Node {
+/// somebody holds it, the holder included. It is called on the event thread; what a call costs, and
+/// what it refuses, is the implementation's.
+class VORNICL3SHARED_API L3McastGroupApi : public Pelo::Node {
 public:
     static constexpr Pelo::FieldId updateL2BitmapsField = 130;
     static constexpr Pelo::FieldId updateAllL2BitmapsField = 131;

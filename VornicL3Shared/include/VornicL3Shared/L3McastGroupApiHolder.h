@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VornicL3Shared/Export.h"
 #include "pelo/Slab.h"
 #include "qor/Entity.h"
 
@@ -23,8 +24,9 @@ class L3McastGroupApi;
 /// A subscriber may install another one, add and remove subscribers, and drop the last pointer to
 /// the holder. By generic access an implementation is given as a `Pelo::Ptr<L3McastGroupApi>`, not
 /// as one to its own type. Not thread-safe.
-class L3McastGroupApiHolder final : public Qor::Entity,
-                                    public Pelo::SlabAllocated<L3McastGroupApiHolder> {
+class VORNICL3SHARED_API L3McastGroupApiHolder final
+    : public Qor::Entity,
+      public Pelo::SlabAllocated<L3McastGroupApiHolder> {
 public:
     static constexpr Pelo::FieldId l3McastGroupApiField = 258;
     static constexpr Pelo::FieldId sharedEntityNameField = 259;
@@ -34,6 +36,7 @@ public:
     /// Gives back its use of the installed implementation.
     ~L3McastGroupApiHolder() override;
 
+    /// A new, empty holder, as `l3McastGroupApiHolderFactory` builds it.
     static Pelo::Ptr<L3McastGroupApiHolder> L3McastGroupApiHolderIs(Pelo::String const& name);
 
     static constexpr std::string_view sharedEntityName() noexcept { return "l3McastGroupApi"; }
@@ -51,6 +54,7 @@ private:
     Pelo::Ptr<L3McastGroupApi> l3McastGroupApi_;
 };
 
-Pelo::Ptr<L3McastGroupApiHolder> l3McastGroupApiHolderFactory(Pelo::String const& name);
+VORNICL3SHARED_API Pelo::Ptr<L3McastGroupApiHolder>
+l3McastGroupApiHolderFactory(Pelo::String const& name);
 
 } // namespace VornicL3

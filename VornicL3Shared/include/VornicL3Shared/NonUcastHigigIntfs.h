@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VornicL3Shared/Export.h"
 #include "devbus/FapId.h"
 #include "interface/IntfSet.h"
 #include "pelo/Slab.h"
@@ -23,8 +24,8 @@ namespace VornicL3 {
 /// and drop its last pointer.
 ///
 /// Cost: a table place a chip, one call a subscriber. Not thread-safe.
-class NonUcastHigigIntfs final : public Qor::Entity,
-                                 public Pelo::SlabAllocated<NonUcastHigigIntfs> {
+class VORNICL3SHARED_API NonUcastHigigIntfs final : public Qor::Entity,
+                                                    public Pelo::SlabAllocated<NonUcastHigigIntfs> {
 public:
     using HigigIntfs = Qor::HashMap2018<Devbus::FapId, Interface::IntfSet>;
 
@@ -34,6 +35,7 @@ public:
     /// No chip has an entry yet.
     explicit NonUcastHigigIntfs(Pelo::String const& name) : Entity(name) {}
 
+    /// A new entity without chips, as `nonUcastHigigIntfsFactory` builds it.
     static Pelo::Ptr<NonUcastHigigIntfs> NonUcastHigigIntfsIs(Pelo::String const& name);
 
     static constexpr std::string_view path() noexcept { return "l3/mcast/higig/hwStatus"; }
@@ -62,6 +64,7 @@ private:
     HigigIntfs higigIntfs_;
 };
 
-Pelo::Ptr<NonUcastHigigIntfs> nonUcastHigigIntfsFactory(Pelo::String const& name);
+VORNICL3SHARED_API Pelo::Ptr<NonUcastHigigIntfs>
+nonUcastHigigIntfsFactory(Pelo::String const& name);
 
 } // namespace VornicL3

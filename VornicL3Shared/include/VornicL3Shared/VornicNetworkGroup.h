@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VornicL3Shared/Export.h"
 #include "pelo/Integers.h"
 #include "qor/EnumType.h"
 
@@ -31,19 +32,20 @@ enum class VpNetworkGroup : U32 {
 
 /// The enumeration as the runtime knows it, registered as "VornicCentral::VpNetworkGroup" when the
 /// library is loaded.
-Qor::EnumType<U32> const& vpNetworkGroupType();
+VORNICL3SHARED_API Qor::EnumType<U32> const& vpNetworkGroupType();
 
 /// The enumerator of a number or a name; `Qor::UnknownNameException` when there is none.
-VpNetworkGroup VpNetworkGroupInstance(U32 value);
-VpNetworkGroup VpNetworkGroupInstance(std::string_view name);
+VORNICL3SHARED_API VpNetworkGroup VpNetworkGroupInstance(U32 value);
+VORNICL3SHARED_API VpNetworkGroup VpNetworkGroupInstance(std::string_view name);
 
 /// The enumerator's name; "VornicCentral::VpNetworkGroup(9)" for a value that has none.
-std::string stringValue(VpNetworkGroup group);
+VORNICL3SHARED_API std::string stringValue(VpNetworkGroup group);
 
 /// Reads an enumerator's name at the beginning of [begin, end); gives the number of characters that
 /// it takes, or 0, with `group` as it was, when no enumerator's name stands there.
-std::size_t sequenceToValue(char const* begin, char const* end, VpNetworkGroup& group);
+VORNICL3SHARED_API std::size_t sequenceToValue(char const* begin, char const* end,
+                                               VpNetworkGroup& group);
 
-std::ostream& operator<<(std::ostream& out, VpNetworkGroup group);
+VORNICL3SHARED_API std::ostream& operator<<(std::ostream& out, VpNetworkGroup group);
 
 } // namespace VornicCentral

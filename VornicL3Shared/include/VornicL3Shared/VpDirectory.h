@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VornicL3Shared/Export.h"
 #include "pelo/Ptr.h"
 #include "pelo/String.h"
 #include "qor/Entity.h"
@@ -11,10 +12,14 @@ namespace VornicCentral {
 /// name to record.
 ///
 /// The directory holds one use of each record. Taking a record out does not destroy it while others
-/// hold it. Every change is published after it was made, under the directory's one field number,
-/// with the name as key and the new pointer as value (null after a removal). Entries iterate in
-/// insertion order. Not thread-safe.
-template <class R> class VpDirectory : public Qor::Entity {
+/// hold it. Every change is published after it was made, under `entriesField`, with the name as key
+/// (a `Pelo::String const*`) and the new pointer as value (a `Pelo::Ptr<R> const*`, null after a
+/// removal). Entries iterate in insertion order and may be changed while they are walked (see
+/// `Qor::HashMap2018`). The name of an entry and that of its record should be the same: nothing
+/// checks it.
+///
+/// Cost: that of the collection and one call a subscriber. Not thread-safe.
+template <class R> class VORNICL3SHARED_API VpDirectory : public Qor::Entity {
 public:
     using Record = R;
     using Entries = Qor::HashMap2018<Pelo::String, Pelo::Ptr<R>>;

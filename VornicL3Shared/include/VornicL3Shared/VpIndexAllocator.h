@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VornicL3Shared/Export.h"
 #include "pelo/Node.h"
 #include "pelo/Ptr.h"
 #include "pelo/Publisher.h"
@@ -30,20 +31,23 @@ class VpIndexAllocatorDirSm;
 /// Created by `VpIndexAllocatorDirSm::vpIndexAllocatorIs`; it serves everything that is already
 /// requested before its constructor returns. All of it runs on the agent's event thread, one
 /// handler at a time: see the state machine.
-class VpIndexAllocator final : public Pelo::Node, public Pelo::SlabAllocated<VpIndexAllocator> {
+class VORNICL3SHARED_API VpIndexAllocator final : public Pelo::Node,
+                                                  public Pelo::SlabAllocated<VpIndexAllocator> {
 public:
-    /// `vpIndexAllocatorDirSm` is borrowed and must outlive the allocator's reactors; it must not
-    /// be null. The records are shared. The config may be null: the allocator then has an empty
-    /// name and nothing to serve. Status and reference list may be null as long as nothing is
-    /// requested; a request then throws the null-pointer-argument exception, and the allocator is
-    /// undone. Cost: one handler a requested key.
+    /// `vpIndexAllocatorDirSm` is borrowed and must outlive the allocator's reactors and every call
+    /// of its handlers; it must not be null. The records are shared. The config may be null: the
+    /// allocator then has an empty name and nothing to serve. Status and reference list may be null
+    /// as long as nothing is requested; a request then throws the null-pointer-argument exception,
+    /// and the allocator is undone. Cost: one handler a requested key.
     VpIndexAllocator(VpIndexAllocatorDirSm* vpIndexAllocatorDirSm,
                      Pelo::Ptr<VpIndexConfig const> const& vpIndexConfig,
                      Pelo::Ptr<VpIndexStatus> const& vpIndexStatus,
                      Pelo::Ptr<VpReferenceList> const& vpReference, bool vfiForwarding);
     ~VpIndexAllocator() override;
 
-    /// Builds an allocator and switches its reactors on.
+    /// Builds an allocator and switches its reactors on; a null state machine is refused with the
+    /// null-pointer-argument exception. The state machine does not list, verify or switch off what
+    /// is built here; use its own `vpIndexAllocatorIs`.
     static Pelo::Ptr<VpIndexAllocator>
     VpIndexAllocatorIs(VpIndexAllocatorDirSm* vpIndexAllocatorDirSm,
                        Pelo::Ptr<VpIndexConfig const> const& vpIndexConfig,
@@ -59,7 +63,7 @@ public:
     bool vfiForwarding() const noexcept { return vfiForwarding_; }
     bool initialized() const noexcept { return initialized_; }
 
-    /// Writes the table size into the status and runs the five sweeps, the remote kinds first.
+    /// Writes the table size into the status and sweeps all kinds, the remote ones first.
     void handleInitialized();
 
     /// Brings one key in line with the config, whether it was added, requested again or withdrawn.
@@ -82,7 +86,8 @@ public:
 
     /// The two remote kinds of one key have nothing to do with each other: each of these looks only
     /// into the collections of the kind that `mlag` selects. They need the record that they read or
-    /// write; without a config nothing is requested.
+    /// write; without a config nothing is requested. A key that is not there reads as an empty
+    /// reference and as the index 65535.
     void handleRemoteVportCommon(RemoteVtepKey const& key, bool mlag);
     VpReference getRemoteVportRef(RemoteVtepKey const& key, bool mlag) const;
     bool remoteVportInVpReference(RemoteVtepKey const& key, bool mlag) const;
@@ -97,11 +102,13 @@ public:
     /// index above the table size (the size itself passes), a reserved index and a missing status
     /// stop the process.
     void verifyAndUpdateAllocStats(U16 vpIndex);
-    /// Counts one release by this client; the invalid index counts for nothing.
+    /// Counts one release by this client; the invalid index counts for nothing. A missing status
+    /// stops the process.
     void updateFreeStats(U16 vpIndex);
 
     /// Checks that config, status, references and pool agree for this client; the first
-    /// disagreement stops the process. Changes nothing.
+    /// disagreement stops the process. Changes nothing. Not for subscribers, who are called between
+    /// the writes of a handler. Cost: linear in the keys of config and status.
     void verify() const;
     void verifyRemoteVpIndex() const;
     void verifyMlagRemoteVpIndex() const;
@@ -124,23 +131,27 @@ public:
     Qor::TypeData const* typeData() const override;
 
 private:
-    template <class Kind> void handleKey(typename Kind::Key const& key);
-    template <class Kind> void handleKeyInTurn(typename Kind::Key const& key);
-    template <class Kind> void handleAll();
+    template <class Kind> VORNICL3SHARED_LOCAL void handleKey(typename Kind::Key const& key);
+    template <class Kind> VORNICL3SHARED_LOCAL void handleKeyInTurn(typename Kind::Key const& key);
+    template <class Kind> VORNICL3SHARED_LOCAL void handleOne(typename Kind::Key const& key);
+    template <class Kind> VORNICL3SHARED_LOCAL void handleAll();
+    void handleAllKinds();
     template <class Kind>
-    void add(typename Kind::Key const& key, VpReference& reference, bool held);
-    template <class Kind> VirtualPort allocate(typename Kind::Key const& key);
-    template <class Kind> void withdraw(typename Kind::Key const& key, VpReference& reference);
-    template <class Kind> void release(typename Kind::Key const& key, U16 vpIndex);
+    VORNICL3SHARED_LOCAL void add(typename Kind::Key const& key, VpReference& reference, bool held);
+    template <class Kind> VORNICL3SHARED_LOCAL VirtualPort allocate(typename Kind::Key const& key);
     template <class Kind>
-    VpReference readReference(typename Kind::Key const& key, bool& held) const;
-    template <class Kind> void writeStatus(typename Kind::Key const& key, VirtualPort const& vPort);
-    template <class Kind> void verifyKind() const;
-    template <class Kind> void verifyConfig() const;
-    template <class Kind> void verifyStatus() const;
+    VORNICL3SHARED_LOCAL void withdraw(typename Kind::Key const& key, VpReference& reference);
+    template <class Kind>
+    VORNICL3SHARED_LOCAL void release(typename Kind::Key const& key, U16 vpIndex);
+    template <class Kind>
+    VORNICL3SHARED_LOCAL VpReference readReference(typename Kind::Key const& key, bool& held) const;
+    template <class Kind>
+    VORNICL3SHARED_LOCAL void writeStatus(typename Kind::Key const& key, VirtualPort const& vPort);
+    template <class Kind> VORNICL3SHARED_LOCAL void verifyKind() const;
+    template <class Kind> VORNICL3SHARED_LOCAL void verifyConfig() const;
+    template <class Kind> VORNICL3SHARED_LOCAL void verifyStatus() const;
 
-    template <class Argument>
-    void react(void const* key, void (VpIndexAllocator::*handler)(Argument));
+    template <class Kind> VORNICL3SHARED_LOCAL void react(typename Kind::Key const& key);
     void subscribe(bool on);
 
     VpIndexAllocatorDirSm* vpIndexAllocatorDirSm_;
@@ -152,7 +163,7 @@ private:
     bool initialized_ = false;
 };
 
-Pelo::Ptr<VpIndexAllocator>
+VORNICL3SHARED_API Pelo::Ptr<VpIndexAllocator>
 vpIndexAllocatorFactory(VpIndexAllocatorDirSm* vpIndexAllocatorDirSm,
                         Pelo::Ptr<VpIndexConfig const> const& vpIndexConfig,
                         Pelo::Ptr<VpIndexStatus> const& vpIndexStatus,

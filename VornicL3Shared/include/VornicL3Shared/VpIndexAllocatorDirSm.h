@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VornicL3Shared/Export.h"
 #include "VornicL3Shared/HandlerTurns.h"
 #include "VornicL3Shared/VpIndexAllocator.h"
 #include "VornicL3Shared/VpIndexConfigDir.h"
@@ -34,8 +35,16 @@ namespace VornicCentral {
 /// system's or above the size that the client's status knows; a waiting key whose reference names a
 /// client without config, status or request; the checks of `verify`; and any exception that leaves
 /// a reactor.
-class VpIndexAllocatorDirSm final : public Pelo::Node,
-                                    public Pelo::SlabAllocated<VpIndexAllocatorDirSm> {
+///
+/// Its traces, and those of the allocators, have the handle "VornicVpIndexAllocator", which
+/// `Qor::TraceHandle::find` knows from the first trace on, that of building a state machine: level
+/// 1 is the entry of each operation and handler, 5 each step, 7 each client that gets a recycled
+/// index. It logs "VORNIC_VIRTUALPORT_RESOURCE_FULL" when a requested key finds the table full, and
+/// "VORNIC_VIRTUALPORT_RESOURCE_NORMAL" when a waiting key gets an index, both without a rate
+/// limit.
+class VORNICL3SHARED_API VpIndexAllocatorDirSm final
+    : public Pelo::Node,
+      public Pelo::SlabAllocated<VpIndexAllocatorDirSm> {
 public:
     using Allocators = Qor::HashMap2018<Pelo::String, Pelo::Ptr<VpIndexAllocator>>;
 
@@ -45,11 +54,17 @@ public:
     /// Every pointer may be null; what is null is neither watched nor read. Three are missed: the
     /// boot status when the reference list has no remote, no edge and no VLAN entry, and the
     /// reference list when a client requests a key (the null-pointer-argument exception, after
-    /// which nothing is left of the state machine; within a notification it ends the process), and
-    /// the status directory when a client has a config (the process stops). `vpTableSize` is in
-    /// entries and at most 65535: in a larger table the index 65535, which means "no index", would
-    /// be handed out, which callers must not let happen. With `vpReallocationEnabled`, keys that
-    /// find the table full wait for an index that is released.
+    /// which nothing is left of the state machine, while records keep what was written to them;
+    /// within a notification it ends the process), and the status directory when a client has a
+    /// config (the process stops). Without capabilities remote VTEPs take the highest index, as the
+    /// other kinds do.
+    ///
+    /// `vpTableSize` is in entries and at most 65535: in a larger table the index 65535, which
+    /// means "no index", would be handed out, which callers must not let happen. One of 8 or fewer
+    /// is full from the start. With `vpReallocationEnabled`, keys that find the table full wait for
+    /// an index that is released. `vfiForwarding` is handed to the allocators, which only keep it.
+    ///
+    /// Cost: one walk of all records, and a handler for each key that is requested.
     VpIndexAllocatorDirSm(Pelo::Ptr<VpReferenceList> const& vpReference,
                           Pelo::Ptr<VpInvalidReferenceList> const& vpInvalidReference,
                           Pelo::Ptr<VpIndexConfigDir const> const& vpIndexConfigDir,
@@ -59,7 +74,7 @@ public:
                           Pelo::Ptr<VxlanCapabilities const> const& vxlanCapabilities);
     ~VpIndexAllocatorDirSm() override;
 
-    /// Builds the state machine and switches its reactors on.
+    /// Builds a state machine and switches its reactors on, as `vpIndexAllocatorDirSmFactory` does.
     static Pelo::Ptr<VpIndexAllocatorDirSm>
     VpIndexAllocatorDirSmIs(Pelo::Ptr<VpReferenceList> const& vpReference,
                             Pelo::Ptr<VpInvalidReferenceList> const& vpInvalidReference,
@@ -93,8 +108,11 @@ public:
     /// first reserved index.
     void handleInitialized();
 
-    // The pool of VP indices. None of these may be called while there is no pool.
+    // The pool of VP indices. `setVpBitmap`, `allocVpIndex` and `freeVpIndex` must not be called
+    // while there is none.
 
+    /// Null before start-up and after `vpBitmapDel`. Whoever changes a bit here bypasses all
+    /// checks.
     Pelo::Ptr<Bask::Bitmap> const& vpBitmap() const noexcept { return vpBitmap_; }
     /// The pool with these properties: the one that is there, with its bits, when it was built with
     /// the same three values, else a new one in its place. `size` in bits.
@@ -119,13 +137,15 @@ public:
     // The allocators, one per client.
 
     Allocators const& vpIndexAllocator() const noexcept { return vpIndexAllocator_; }
+    /// The allocator of a name; null when there is none.
     Pelo::Ptr<VpIndexAllocator> vpIndexAllocator(Pelo::String const& name) const;
     bool vpIndexAllocatorHas(Pelo::String const& name) const noexcept {
         return vpIndexAllocator_.has(name);
     }
-    /// The allocator for `vpIndexConfig`, made when its name has none. Throws the
-    /// null-pointer-argument exception for a null config, and the mutator-reinstantiating exception
-    /// when the name's allocator was made with other arguments; that allocator stays.
+    /// The allocator for `vpIndexConfig`, made when its name has none, which serves all that is
+    /// requested before this returns. Throws the null-pointer-argument exception for a null config
+    /// or, when one is made, a null state machine, and the mutator-reinstantiating exception when
+    /// the name's allocator was made with other arguments; that allocator stays.
     Pelo::Ptr<VpIndexAllocator>
     vpIndexAllocatorIs(VpIndexAllocatorDirSm* vpIndexAllocatorDirSm,
                        Pelo::Ptr<VpIndexConfig const> const& vpIndexConfig,
@@ -138,8 +158,10 @@ public:
     Pelo::Ptr<VpIndexAllocator> vpIndexAllocatorDel(Pelo::String const& name);
     void vpIndexAllocatorDelAll();
 
-    /// Brings the allocator of one name, or of every name, in line with the config directory. A
-    /// name that is not there any more is ignored.
+    /// Makes the allocator of one name, or of every name, of the config directory where there is
+    /// none yet. A name that is not there any more is ignored, one without a status stops the
+    /// process, and one whose config or status is another record than before is refused as by
+    /// `vpIndexAllocatorIs`.
     void handleVpIndexConfig(Pelo::String const& name);
     void handleVpIndexConfig();
 
@@ -167,13 +189,13 @@ public:
     /// With reallocation disabled, or before start-up has finished, the index is freed first, and
     /// handed over all the same when a key waits: whoever calls it then must know that. The waiting
     /// entry of the key that takes the index is not removed here but by the handler that the change
-    /// of its reference wakes. Bits of `vpIndex` above the sixteenth are cut off. Called while
-    /// changes of configs or other releases wait for their turn, it waits until they are done;
-    /// until then the index counts as used. Cost: proportional to the waiting keys that have to be
-    /// passed over and to the clients of the key that takes the index. A client that is named by
-    /// the key's reference but has no config, no status or no such request stops the process, and
-    /// so does a subscriber of one client's status that withdraws the key for another client while
-    /// the index is handed over.
+    /// of its reference wakes. Bits of `vpIndex` above the sixteenth are cut off; an index past the
+    /// end of the pool is handed over like any other. Called while changes of configs or other
+    /// releases wait for their turn, it waits until they are done; until then the index counts as
+    /// used. Cost: proportional to the waiting keys that have to be passed over and to the clients
+    /// of the key that takes the index. A client that is named by the key's reference but has no
+    /// config, no status or no such request stops the process, and so does a subscriber of one
+    /// client's status that withdraws the key for another client while the index is handed over.
     void recycleOrFreeVpIndex(U32 vpIndex);
 
     // Restart, clean-up, verification.
@@ -183,7 +205,10 @@ public:
     /// is left without clients, who enter themselves again; entries of statuses that the config of
     /// the same name does not back are removed. An index that two entries hold stops the process,
     /// and so does a reference with an index below 8 or a boot entry with index 0; boot entries
-    /// with the indices 1 to 7 are dropped. Cost: linear in the entries.
+    /// with the indices 1 to 7 are dropped. An index past the end of the pool, as after a restart
+    /// with a smaller table, stays with its key and marks no bit, so that `verify` fails until the
+    /// key is gone. A boot status that is needed and null is refused with the null-pointer-argument
+    /// exception, when the references have been recovered already. Cost: linear in the entries.
     ///
     /// Start-up runs it once, on a fresh pool and before the clients. A second call stops the
     /// process at the first index that is in use, and takes the clients out of references that hold
@@ -198,7 +223,9 @@ public:
     /// Checks every allocator and then the table: the first disagreement stops the process. Changes
     /// nothing; returns at once while start-up has not finished. Each reference counts as one set
     /// bit of the pool, one that waits without an index too: so it fails while any key waits. Not
-    /// for subscribers, who are called between the writes of a handler.
+    /// for subscribers, who are called between the writes of a handler. It fails as well while a
+    /// reference names no client, as after a restart until `clearStaleEntries`. Cost: linear in the
+    /// keys of all clients.
     void verify() const;
 
     /// The reactors of the config directory and of the reference list.
@@ -225,23 +252,25 @@ private:
 
     friend class VpIndexAllocator; // whose handlers take their turns with the state machine's
 
-    template <class Kind> void handleInvalidKey(typename Kind::Key const& key);
-    template <class Kind> void handleInvalidAll();
+    template <class Kind> VORNICL3SHARED_LOCAL void handleInvalidKey(typename Kind::Key const& key);
+    template <class Kind> VORNICL3SHARED_LOCAL void handleInvalidAll();
     void recycleOrFree(U32 vpIndex);
-    template <class Kind> bool recycleTo(VirtualPort vp);
+    template <class Kind> VORNICL3SHARED_LOCAL bool recycleTo(VirtualPort vp);
     template <class Kind>
-    void handOver(typename Kind::Key const& key, VpReference& reference, VirtualPort vp);
-    template <class Kind> void recoverReferences();
-    template <class Kind> void makeWait(typename Kind::Key const& key);
-    template <class Kind> void recoverBootStatus();
+    VORNICL3SHARED_LOCAL void handOver(typename Kind::Key const& key, VpReference& reference,
+                                       VirtualPort vp);
+    template <class Kind> VORNICL3SHARED_LOCAL void recoverReferences();
+    template <class Kind> VORNICL3SHARED_LOCAL void makeWait(typename Kind::Key const& key);
+    template <class Kind> VORNICL3SHARED_LOCAL void recoverBootStatus();
     template <class Kind>
-    void recoverBootEntry(typename Kind::Key const& key, VirtualPort bootVport);
+    VORNICL3SHARED_LOCAL void recoverBootEntry(typename Kind::Key const& key,
+                                               VirtualPort bootVport);
     template <class Kind>
-    void cleanUpStatus(Pelo::String const& name, VpIndexConfig const& config,
-                       VpIndexStatus& status);
+    VORNICL3SHARED_LOCAL void cleanUpStatus(Pelo::String const& name, VpIndexConfig const& config,
+                                            VpIndexStatus& status);
     void clearAllKinds();
-    template <class Kind> void clearStaleKind();
-    template <class Kind> void verifyKind() const;
+    template <class Kind> VORNICL3SHARED_LOCAL void clearStaleKind();
+    template <class Kind> VORNICL3SHARED_LOCAL void verifyKind() const;
 
     void switchAllocators(bool active);
     void subscribe(bool on);
@@ -267,7 +296,7 @@ private:
     Pelo::Subscriber configDirSubscriber_;
 };
 
-Pelo::Ptr<VpIndexAllocatorDirSm>
+VORNICL3SHARED_API Pelo::Ptr<VpIndexAllocatorDirSm>
 vpIndexAllocatorDirSmFactory(Pelo::Ptr<VpReferenceList> const& vpReference,
                              Pelo::Ptr<VpInvalidReferenceList> const& vpInvalidReference,
                              Pelo::Ptr<VpIndexConfigDir const> const& vpIndexConfigDir,

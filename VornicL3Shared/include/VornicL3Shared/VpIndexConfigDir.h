@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VornicL3Shared/Export.h"
 #include "VornicL3Shared/VpDirectory.h"
 #include "pelo/Slab.h"
 #include "vpstate/VpIndexConfig.h"
@@ -8,12 +9,17 @@ namespace VornicCentral {
 
 /// What each client requests, by client name. Written by the clients, watched by the directory
 /// state machine. See `VpDirectory` for what its mutators do.
-class VpIndexConfigDir final : public VpDirectory<VpIndexConfig>,
-                               public Pelo::SlabAllocated<VpIndexConfigDir> {
+///
+/// While a state machine watches, two writes of an entry end the process: one of a name that the
+/// status directory does not have yet, and one that gives a name another record than its allocator
+/// was made for, also after the first record was removed.
+class VORNICL3SHARED_API VpIndexConfigDir final : public VpDirectory<VpIndexConfig>,
+                                                  public Pelo::SlabAllocated<VpIndexConfigDir> {
 public:
     /// An empty directory without subscribers.
     explicit VpIndexConfigDir(Pelo::String const& name) : VpDirectory(name) {}
 
+    /// A new, empty directory, as `vpIndexConfigDirFactory` builds it.
     static Pelo::Ptr<VpIndexConfigDir> VpIndexConfigDirIs(Pelo::String const& name);
 
     Entries const& vpIndexConfig() const noexcept { return entries(); }
@@ -30,6 +36,6 @@ public:
     Qor::TypeData const* typeData() const override;
 };
 
-Pelo::Ptr<VpIndexConfigDir> vpIndexConfigDirFactory(Pelo::String const& name);
+VORNICL3SHARED_API Pelo::Ptr<VpIndexConfigDir> vpIndexConfigDirFactory(Pelo::String const& name);
 
 } // namespace VornicCentral

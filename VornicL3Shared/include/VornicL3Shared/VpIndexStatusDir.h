@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VornicL3Shared/Export.h"
 #include "VornicL3Shared/VpDirectory.h"
 #include "pelo/Slab.h"
 #include "vpstate/VpIndexStatus.h"
@@ -7,13 +8,15 @@
 namespace VornicCentral {
 
 /// What each client was given, by client name; a name that is in the config directory must be here
-/// first. See `VpDirectory` for what its mutators do.
-class VpIndexStatusDir final : public VpDirectory<VpIndexStatus>,
-                               public Pelo::SlabAllocated<VpIndexStatusDir> {
+/// first, and keep its record as long as it has an allocator, which goes on writing to that one.
+/// See `VpDirectory` for what its mutators do.
+class VORNICL3SHARED_API VpIndexStatusDir final : public VpDirectory<VpIndexStatus>,
+                                                  public Pelo::SlabAllocated<VpIndexStatusDir> {
 public:
     /// An empty directory without subscribers.
     explicit VpIndexStatusDir(Pelo::String const& name) : VpDirectory(name) {}
 
+    /// A new, empty directory, as `vpIndexStatusDirFactory` builds it.
     static Pelo::Ptr<VpIndexStatusDir> VpIndexStatusDirIs(Pelo::String const& name);
 
     Entries const& vpIndexStatus() const noexcept { return entries(); }
@@ -30,6 +33,6 @@ public:
     Qor::TypeData const* typeData() const override;
 };
 
-Pelo::Ptr<VpIndexStatusDir> vpIndexStatusDirFactory(Pelo::String const& name);
+VORNICL3SHARED_API Pelo::Ptr<VpIndexStatusDir> vpIndexStatusDirFactory(Pelo::String const& name);
 
 } // namespace VornicCentral

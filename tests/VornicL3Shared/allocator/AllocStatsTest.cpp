@@ -121,6 +121,11 @@ TEST_F(AllocStatsDeathTest, AMissingStatusStopsTheProcessAfterTheReservedIndices
                  failure("vpIndexStatus() != nullptr", "verifyAndUpdateAllocStats"));
 }
 
+TEST_F(AllocStatsDeathTest, AMissingStatusStopsTheCountOfAFailure) {
+    EXPECT_DEATH(withoutStatus()->verifyAndUpdateAllocStats(65535),
+                 failure("vpIndexStatus() != nullptr", "verifyAndUpdateAllocStats"));
+}
+
 TEST_F(AllocStatsDeathTest, AMissingStatusStopsTheReleaseOfAnIndex) {
     auto const allocator = withoutStatus();
     allocator->updateFreeStats(65535);

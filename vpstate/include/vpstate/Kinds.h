@@ -17,7 +17,7 @@
 /// A kind says the type of its key, the name of its collection in every record, the field number of
 /// that collection, the word by which people name the kind in commands, and what they call its
 /// members in a sentence. Storage, inspection, commands and tests walk the list `Kinds`, whose
-/// order is the order in which kinds are always treated.
+/// order is the order in which kinds are treated, but for the hand-over of a released index.
 namespace VornicCentral {
 
 struct RemoteVport {
@@ -67,7 +67,12 @@ struct EFilterDisableVport {
 
 using Kinds = std::tuple<RemoteVport, MlagRemoteVport, EdgeVport, VlanVport, EFilterDisableVport>;
 
+/// The order in which a released index is offered to the kinds that wait, VLANs first.
+using ServingOrder =
+    std::tuple<VlanVport, RemoteVport, MlagRemoteVport, EdgeVport, EFilterDisableVport>;
+
 inline constexpr std::size_t kindCount = std::tuple_size_v<Kinds>;
+static_assert(std::tuple_size_v<ServingOrder> == kindCount, "each kind is served");
 
 /// The place of a kind in the list.
 template <class Kind>

@@ -7,6 +7,7 @@
 #include "pelo/Integers.h"
 #include "pelo/Parsed.h"
 #include "qor/Words.h"
+#include "vpstate/Export.h"
 
 #include <iosfwd>
 #include <string>
@@ -19,7 +20,7 @@ namespace VornicCentral {
 ///
 /// The text form is `Ethernet1/1:100`. It is read from the last colon, so a name may have colons of
 /// its own; the name must be one that `Netzo::IntfId::parse` takes.
-class PortVlanKey {
+class VORNIC_VPSTATE_API PortVlanKey {
 public:
     PortVlanKey() noexcept = default;
     PortVlanKey(Netzo::IntfId intf, Bridging::VlanId vlan) noexcept
@@ -43,14 +44,14 @@ private:
 
 static_assert(sizeof(PortVlanKey) == 16);
 
-std::ostream& operator<<(std::ostream& out, PortVlanKey const& key);
+VORNIC_VPSTATE_API std::ostream& operator<<(std::ostream& out, PortVlanKey const& key);
 
 } // namespace VornicCentral
 
 namespace QorPelo {
 
 /// The runtime's value printer.
-void print(std::ostream& out, VornicCentral::PortVlanKey const& key);
+VORNIC_VPSTATE_API void print(std::ostream& out, VornicCentral::PortVlanKey const& key);
 
 } // namespace QorPelo
 

@@ -6,6 +6,7 @@
 #include "pelo/Integers.h"
 #include "pelo/Parsed.h"
 #include "qor/Words.h"
+#include "vpstate/Export.h"
 #include "vxlan/SwTunnelGroupId.h"
 
 #include <iosfwd>
@@ -22,7 +23,7 @@ namespace VornicCentral {
 /// copy is one more user of the group.
 ///
 /// The text form is `10.0.0.2@17`, and `10.0.0.2@17/1/2` when one of the two bytes is not 0.
-class RemoteVtepKey {
+class VORNIC_VPSTATE_API RemoteVtepKey {
 public:
     RemoteVtepKey() = default;
     RemoteVtepKey(Vxlan::SwTunnelGroupId tunnelGroup, Netzo::IpGenAddr const& address, U8 byte0 = 0,
@@ -55,14 +56,14 @@ private:
 
 static_assert(sizeof(RemoteVtepKey) <= 32);
 
-std::ostream& operator<<(std::ostream& out, RemoteVtepKey const& key);
+VORNIC_VPSTATE_API std::ostream& operator<<(std::ostream& out, RemoteVtepKey const& key);
 
 } // namespace VornicCentral
 
 namespace QorPelo {
 
 /// The runtime's value printer.
-void print(std::ostream& out, VornicCentral::RemoteVtepKey const& key);
+VORNIC_VPSTATE_API void print(std::ostream& out, VornicCentral::RemoteVtepKey const& key);
 
 } // namespace QorPelo
 

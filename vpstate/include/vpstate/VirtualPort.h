@@ -4,6 +4,7 @@
 #include "pelo/Hash.h"
 #include "pelo/Integers.h"
 #include "pelo/Parsed.h"
+#include "vpstate/Export.h"
 
 #include <iosfwd>
 #include <string>
@@ -17,7 +18,7 @@ inline constexpr U16 invalidVpIndex = 65535;
 /// What a virtual port was given: its VP index. Default-built it is the invalid virtual port, which
 /// stands for a request that got no index. Its text form is the index in decimal, read in that form
 /// only.
-class VirtualPort {
+class VORNIC_VPSTATE_API VirtualPort {
 public:
     constexpr VirtualPort() noexcept = default;
     constexpr explicit VirtualPort(U16 vpIndex) noexcept : vpIndex_(vpIndex) {}
@@ -35,7 +36,7 @@ private:
     U16 vpIndex_ = invalidVpIndex;
 };
 
-std::ostream& operator<<(std::ostream& out, VirtualPort vPort);
+VORNIC_VPSTATE_API std::ostream& operator<<(std::ostream& out, VirtualPort vPort);
 
 } // namespace VornicCentral
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pelo/Slab.h"
+#include "vpstate/Export.h"
 #include "vpstate/VirtualPort.h"
 #include "vpstate/VpRecord.h"
 
@@ -10,9 +11,10 @@ namespace VornicCentral {
 ///
 /// The invalid virtual port under a key says that the key holds no index.
 /// Written by the client's allocator and by the directory state machine, read by the chip
-/// programmers. Counters wrap at 2^32.
-class VpIndexStatus final : public VpRecord<VirtualPort>,
-                            public Pelo::SlabAllocated<VpIndexStatus> {
+/// programmers. Counters wrap at 2^32. A change of a counter, or of the table size, is published
+/// under its field number without a key, with the new value (a `U32 const*`).
+class VORNIC_VPSTATE_API VpIndexStatus final : public VpRecord<VirtualPort>,
+                                               public Pelo::SlabAllocated<VpIndexStatus> {
 public:
     static constexpr Pelo::FieldId vpAllocRequestsField = 263;
     static constexpr Pelo::FieldId vpAllocFailuresField = 264;
@@ -21,6 +23,7 @@ public:
 
     explicit VpIndexStatus(Pelo::String const& name) : VpRecord(name) {}
 
+    /// A new, empty record, as `vpIndexStatusFactory` builds it.
     static Pelo::Ptr<VpIndexStatus> VpIndexStatusIs(Pelo::String const& name);
 
     /// Allocations that yielded an index for this client.
@@ -29,8 +32,9 @@ public:
     U32 vpAllocFailures() const noexcept { return vpAllocFailures_; }
     /// Indices that this client gave back, whether or not another client keeps them in use.
     U32 vpFreeRequests() const noexcept { return vpFreeRequests_; }
-    /// The size of the VP table, in entries. No index that the pool gave is above it; one that was
-    /// recovered after a restart with a smaller table may be.
+    /// The size of the VP table, in entries, which the client's allocator sets when it is built. No
+    /// index that the pool gave reaches it; one that was recovered after a restart with a smaller
+    /// table may.
     U32 vpTableSize() const noexcept { return vpTableSize_; }
 
     void vpAllocRequestsInc(U32 amount) {
@@ -66,6 +70,6 @@ private:
     U32 vpTableSize_ = 0;
 };
 
-Pelo::Ptr<VpIndexStatus> vpIndexStatusFactory(Pelo::String const& name);
+VORNIC_VPSTATE_API Pelo::Ptr<VpIndexStatus> vpIndexStatusFactory(Pelo::String const& name);
 
 } // namespace VornicCentral

@@ -2,6 +2,7 @@
 
 #include "pelo/Integers.h"
 #include "pelo/String.h"
+#include "vpstate/Export.h"
 
 #include <cstddef>
 #include <iosfwd>
@@ -17,8 +18,9 @@ namespace VornicCentral {
 /// at most a walk of it. A name that is removed and added again goes last. Sets are equal when they
 /// hold the same names, whatever the order.
 ///
-/// Any change ends the validity of iterators.
-class VpNames {
+/// Any change ends the validity of iterators. Moved from, a set is empty. Not thread-safe; the
+/// names follow the thread-control rule (see `Pelo::ThreadControl`).
+class VORNIC_VPSTATE_API VpNames {
 public:
     using const_iterator = Pelo::String const*;
 
@@ -47,7 +49,7 @@ public:
     /// The names in brackets, as `[bgp, mlag]`.
     std::string stringValue() const;
 
-    friend bool operator==(VpNames const& a, VpNames const& b) noexcept;
+    friend VORNIC_VPSTATE_API bool operator==(VpNames const& a, VpNames const& b) noexcept;
 
 private:
     static constexpr U32 inlineNames = 4;
@@ -64,6 +66,6 @@ private:
     bool inBlock_ = false;
 };
 
-std::ostream& operator<<(std::ostream& out, VpNames const& names);
+VORNIC_VPSTATE_API std::ostream& operator<<(std::ostream& out, VpNames const& names);
 
 } // namespace VornicCentral

@@ -2,6 +2,7 @@
 
 #include "qor/Entity.h"
 #include "qor/HashMap2018.h"
+#include "vpstate/Export.h"
 #include "vpstate/Kinds.h"
 
 #include <tuple>
@@ -13,8 +14,9 @@ namespace VornicCentral {
 ///
 /// Collections iterate in insertion order and may be changed while they are walked (see
 /// `Qor::HashMap2018`). Every mutator changes first and publishes afterwards, with the kind's field
-/// number, the key, and the new value (null after a deletion). Setting a key to the value that it
-/// has changes and publishes nothing.
+/// number, the key (a `Kind::Key const*`), and the new value (a `V const*`, null after a deletion).
+/// Setting a key to the value that it has, and deleting one that is not there, changes and
+/// publishes nothing.
 ///
 /// For each collection the record offers, by the kind as a template argument and by the
 /// collection's name:
@@ -31,7 +33,7 @@ namespace VornicCentral {
 /// the subscribers do; what they insert meanwhile may be left.
 ///
 /// Cost: that of the collection and one call a subscriber. Not thread-safe.
-template <class V> class VpRecord : public Qor::Entity {
+template <class V> class VORNIC_VPSTATE_API VpRecord : public Qor::Entity {
     template <class List> struct CollectionOfEach;
     template <class... Kind> struct CollectionOfEach<std::tuple<Kind...>> {
         using Type = std::tuple<Qor::HashMap2018<typename Kind::Key, V>...>;
@@ -60,7 +62,7 @@ public:
         return value == nullptr ? V() : *value;
     }
 
-    /// `value` must not be a reference into this collection.
+    /// `value` must not be a reference into this collection; the key may be one, also in `del`.
     template <class Kind> void is(typename Kind::Key const& key, V const& value) {
         if (!hasSubscribers()) {
             mutableCollection<Kind>().memberIs(key, value);

@@ -2,6 +2,7 @@
 
 #include "pelo/Hash.h"
 #include "pelo/String.h"
+#include "vpstate/Export.h"
 #include "vpstate/VirtualPort.h"
 #include "vpstate/VpNames.h"
 
@@ -17,7 +18,7 @@ namespace VornicCentral {
 /// A value: it is read out of the list, changed, and written back. Two are equal when they hold the
 /// same virtual port and the same names, whatever the order. The text form is for people:
 /// `{vPort: 12, references: [bgp, mlag]}`.
-class VpReference {
+class VORNIC_VPSTATE_API VpReference {
 public:
     VpReference() noexcept = default;
     explicit VpReference(VirtualPort vPort) noexcept : vPort_(vPort) {}
@@ -47,6 +48,6 @@ private:
 
 static_assert(sizeof(VpReference) <= 48);
 
-std::ostream& operator<<(std::ostream& out, VpReference const& reference);
+VORNIC_VPSTATE_API std::ostream& operator<<(std::ostream& out, VpReference const& reference);
 
 } // namespace VornicCentral

@@ -4,15 +4,18 @@
 #include "pelo/Slab.h"
 #include "pelo/String.h"
 #include "qor/Entity.h"
+#include "vpstate/Export.h"
 
 namespace VornicCentral {
 
 /// What the switching chip supports of VXLAN: a record that another agent makes and that nobody
 /// changes.
-class VxlanCapabilities final : public Qor::Entity, public Pelo::SlabAllocated<VxlanCapabilities> {
+class VORNIC_VPSTATE_API VxlanCapabilities final : public Qor::Entity,
+                                                   public Pelo::SlabAllocated<VxlanCapabilities> {
 public:
     VxlanCapabilities(Pelo::String const& name, bool remoteVportLowIndex);
 
+    /// A new record, as `vxlanCapabilitiesFactory` builds it.
     static Pelo::Ptr<VxlanCapabilities> VxlanCapabilitiesIs(Pelo::String const& name,
                                                             bool remoteVportLowIndex);
 
@@ -29,7 +32,7 @@ private:
     bool const remoteVportLowIndex_;
 };
 
-Pelo::Ptr<VxlanCapabilities> vxlanCapabilitiesFactory(Pelo::String const& name,
-                                                      bool remoteVportLowIndex);
+VORNIC_VPSTATE_API Pelo::Ptr<VxlanCapabilities> vxlanCapabilitiesFactory(Pelo::String const& name,
+                                                                         bool remoteVportLowIndex);
 
 } // namespace VornicCentral
