@@ -23,13 +23,13 @@ INCLUDE_ROOTS = (
     "agent",
 )
 # Folders with a README of their own.
-ROOMS = FLOORS + ("tests", "bench", "examples", "docs")
+ROOMS = FLOORS + ("tests", "bench", "examples", "docs", "packaging")
 # Where files are read, beside what stands at the top.
 FOLDERS = ROOMS + ("cmake", "scripts", ".ci", "fuzz")
 
 CODE = {".h", ".cpp"}
 # Prose and data, which may be of any length.
-DATA = {".json", ".md", ".vp"}
+DATA = {".json", ".md", ".vp", ".1", ".7"}
 TEXT = CODE | DATA | {".py", ".cmake"}
 
 FILE_LINES = 600
@@ -46,7 +46,7 @@ OTHER_BLOCK = re.compile(
     r"|namespace|class|struct|enum|union|extern)\b"
 )
 LABEL = re.compile(r"(public|protected|private|case .*|default):")
-SCRIPT_FOLDERS = ("scripts", ".ci")
+SCRIPT_FOLDERS = ("scripts", ".ci", "completion")
 
 
 def is_text(path):
