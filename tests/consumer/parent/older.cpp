@@ -1,0 +1,3 @@
+static_assert(__cplusplus == 201703L);
+
+int main() {}
