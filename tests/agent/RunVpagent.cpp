@@ -143,7 +143,8 @@ std::string Driven::readLine() {
 }
 
 TemporaryFolder::TemporaryFolder() {
-    std::string name = std::filesystem::temp_directory_path() / "vpagent-test-XXXXXX";
+    std::string name = std::filesystem::temp_directory_path() / "vpagent-test-";
+    name.append(6, 'X'); // which mkdtemp replaces
     if (::mkdtemp(name.data()) == nullptr) {
         throw std::runtime_error("no temporary folder");
     }
