@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <iterator>
 
 namespace Lumlog {
@@ -164,10 +165,18 @@ void Reader::keepPositions(U64 begin, U64 end) {
     std::erase_if(positions_, [&](U64 position) { return position < begin || position >= end; });
 }
 
+/// Whether the writer of a living ring has come round to the record since the reader was built. The
+/// record's own bytes do not always tell: a new record that ends within its header may leave the
+/// position as it was.
+bool Reader::overwritten(U64 position) const {
+    auto const reserved = valueAt<U64>(block_, offsetof(RingHeader, reserved));
+    return reserved != header_.reserved && reserved - position > header_.recordSize;
+}
+
 std::optional<DecodedRecord> Reader::decode(U64 position) const {
     std::size_t const offset = position & (header_.recordSize - 1);
-    if (positionAt(offset) != position) {
-        return {}; // overwritten since the reader was built
+    if (overwritten(position) || positionAt(offset) != position) {
+        return {};
     }
     auto const header = valueAt<RecordHeader>(records_, offset);
     U32 const newest = static_cast<U32>(header_.sequence) - 1;

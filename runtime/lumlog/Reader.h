@@ -66,6 +66,7 @@ private:
     bool headIsLikely() const;
     Round likelyRound() const;
     std::optional<U64> positionAt(std::size_t offset) const;
+    bool overwritten(U64 position) const;
     static bool readPieces(DecodedRecord& record, DecodedMessage const& message,
                            std::span<std::byte const> bytes);
     std::optional<DecodedRecord> decode(U64 position) const;

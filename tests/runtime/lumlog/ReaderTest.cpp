@@ -242,5 +242,24 @@ TEST_F(ReaderTest, LeavesOutWhatIsOverwrittenWhileItReads) {
     EXPECT_EQ(reader.damaged() + rest.size() + 1, original_.size());
 }
 
+/// The bytes of a record may be whole still, or look so, when the writer has already begun to write
+/// over it.
+TEST_F(ReaderTest, LeavesOutWhatTheWriterHasReservedWhileItReads) {
+    std::size_t const smallest = 32; // bytes of a record here
+    std::size_t const largest = 56;
+    Layout const layout(ring_.bytes());
+    for (U64 const further : {U64{8}, U64{400}, U64{2048}, layout.header.recordSize}) {
+        Dump dump(ring_.bytes());
+        Reader reader(dump.bytes());
+        put(dump.bytes(), offsetof(RingHeader, reserved), layout.header.reserved + further);
+        std::vector<DecodedRecord> const rest = reader.rest();
+        EXPECT_EQ(rest, std::vector(original_.end() - static_cast<std::ptrdiff_t>(rest.size()),
+                                    original_.end()));
+        EXPECT_EQ(reader.damaged() + rest.size(), original_.size());
+        EXPECT_LE(reader.damaged(), further / smallest + 1) << further;
+        EXPECT_GE(reader.damaged() + 1, further / largest) << further;
+    }
+}
+
 } // namespace
 } // namespace Lumlog
