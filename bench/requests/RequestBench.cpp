@@ -1,7 +1,7 @@
 // A request from end to end: the write to the config, its handler, the pool, status and reference,
 // the handler of waiting keys, all ring-buffer records; and its withdrawal.
 
-#include "Agent.h"
+#include "requests/Agent.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
 // What a command adds when the database is kept in a file: one request, committed with a full sync,
 // beside a small and a large database.
 
-#include "Agent.h"
+#include "requests/Agent.h"
 #include "state/Agent.h"
 #include "statefile/StateFile.h"
 

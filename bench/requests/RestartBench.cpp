@@ -1,7 +1,7 @@
 // What an agent waits for when it comes back, and what a full table costs: recovery of all
 // references, a whole start, and an index that is handed to the first waiting key.
 
-#include "Agent.h"
+#include "requests/Agent.h"
 
 #include <benchmark/benchmark.h>
 
