@@ -153,6 +153,80 @@ TEST(Bitmap, OneClearBitIsFoundWhereverItIs) {
     }
 }
 
+TEST(Bitmap, EndsMoveInwardsOverWhatIsSetAlready) {
+    auto const bitmap = makeBitmap(300);
+    for (U32 index = 100; index < 200; ++index) {
+        bitmap->setBit(index);
+    }
+    for (U32 index = 1; index < 100; ++index) {
+        bitmap->setBit(index);
+        EXPECT_EQ(lowest(*bitmap), 0u) << index;
+    }
+    bitmap->setBit(0);
+    EXPECT_EQ(lowest(*bitmap), 200u);
+    for (U32 index = 200; index < 299; ++index) {
+        bitmap->setBit(index);
+        EXPECT_EQ(highest(*bitmap), 299u) << index;
+    }
+    EXPECT_EQ(lowest(*bitmap), 299u);
+    bitmap->setBit(299);
+    EXPECT_EQ(lowest(*bitmap), null);
+    EXPECT_EQ(highest(*bitmap), null);
+}
+
+TEST(Bitmap, EndsMoveOutwardsToWhatIsCleared) {
+    auto const bitmap = makeBitmap(300, BitState::set);
+    for (U32 distance = 0; distance < 150; ++distance) {
+        bitmap->clearBit(149 - distance);
+        EXPECT_EQ(lowest(*bitmap), 149 - distance);
+        EXPECT_EQ(highest(*bitmap), 149 + distance);
+        bitmap->clearBit(150 + distance);
+        EXPECT_EQ(lowest(*bitmap), 149 - distance);
+        EXPECT_EQ(highest(*bitmap), 150 + distance);
+    }
+    bitmap->clearBit(150);
+    EXPECT_EQ(lowest(*bitmap), 0u);
+    EXPECT_EQ(highest(*bitmap), 299u);
+}
+
+/// Whole words of the third level fill up and come free again, with and without a level above it.
+TEST(Bitmap, EndsMeetInTheMiddleOfManyLevels) {
+    for (U32 const size : {262143u, 262144u, 262145u, 530000u}) {
+        auto const bitmap = makeBitmap(size);
+        for (U32 from = 0, to = size; from < to;) {
+            ASSERT_EQ(lowest(*bitmap), from) << size;
+            bitmap->setBit(from++);
+            if (from < to) {
+                ASSERT_EQ(highest(*bitmap), to - 1) << size;
+                bitmap->setBit(--to);
+            }
+        }
+        EXPECT_EQ(lowest(*bitmap), null) << size;
+        EXPECT_EQ(highest(*bitmap), null) << size;
+        EXPECT_EQ(bitmap->numBitsInSetState(), size);
+        bitmap->clearBit(size - 1);
+        bitmap->clearBit(1);
+        EXPECT_EQ(lowest(*bitmap), 1u) << size;
+        EXPECT_EQ(highest(*bitmap), size - 1) << size;
+        EXPECT_EQ(lowest(*bitmap, 2), size - 1) << size;
+        EXPECT_EQ(highest(*bitmap, 0, size - 2), 1u) << size;
+    }
+}
+
+TEST(Bitmap, RangeBetweenTheEndsMayHaveNoClearBit) {
+    auto const bitmap = makeBitmap(20000, BitState::set);
+    bitmap->clearBit(10);
+    bitmap->clearBit(15000);
+    for (U32 const lo : {11u, 63u, 64u, 4096u, 14999u}) {
+        EXPECT_EQ(lowest(*bitmap, lo, 14999), null) << lo;
+        EXPECT_EQ(highest(*bitmap, lo, 14999), null) << lo;
+        EXPECT_EQ(lowest(*bitmap, lo), 15000u) << lo;
+        EXPECT_EQ(highest(*bitmap, 0, lo), 10u) << lo;
+    }
+    EXPECT_EQ(lowest(*bitmap, 0, 9), null);
+    EXPECT_EQ(highest(*bitmap, 15001), null);
+}
+
 TEST(Bitmap, LargestSizeIsValid) {
     constexpr U32 size = std::numeric_limits<U32>::max();
     auto const bitmap = makeBitmap(size, BitState::set);
