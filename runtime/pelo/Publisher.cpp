@@ -7,8 +7,7 @@ namespace Pelo {
 /// One publication under way, on the stack of its `notify`.
 struct Publisher::Walk {
     Walk* outer;
-    std::size_t next;  ///< position of the subscriber to call next
-    std::size_t bound; ///< position past the last subscriber of this change
+    std::size_t addedInFront; ///< by how much the subscribers of this change have moved up since
     bool publisherGone;
 };
 
@@ -36,8 +35,7 @@ void Publisher::subscriberAdd(Subscriber* subscriber, bool atFront) {
     if (atFront) {
         subscribers_.insert(subscribers_.begin(), subscriber);
         for (Walk* walk = walks_; walk != nullptr; walk = walk->outer) {
-            ++walk->next;
-            ++walk->bound;
+            ++walk->addedInFront;
         }
     } else {
         subscribers_.push_back(subscriber);
@@ -62,10 +60,11 @@ void Publisher::subscriberRemove(Subscriber* subscriber) noexcept {
 }
 
 void Publisher::notify(FieldId field, void const* key, void const* value) {
-    Walk walk{walks_, 0, subscribers_.size(), false};
+    Walk walk{walks_, 0, false};
     walks_ = &walk;
-    while (walk.next < walk.bound) {
-        Subscriber* const subscriber = subscribers_[walk.next++];
+    std::size_t const count = subscribers_.size();
+    for (std::size_t at = 0; at < count; ++at) {
+        Subscriber* const subscriber = subscribers_[at + walk.addedInFront];
         if (subscriber == nullptr) {
             continue;
         }

@@ -86,7 +86,13 @@ public:
     /// so it may be null.
     void publishChangeRecursive(FieldId field, void const* key, void const* value,
                                 [[maybe_unused]] KeyEquality equality) {
-        if (count_ != 0) {
+        if (count_ == 0) {
+            return;
+        }
+        if (subscribers_.size() == 1) { // whatever it does, nothing is left to be done afterwards
+            Subscriber* const only = subscribers_.front();
+            only->dispatch_(this, only, field, key, value);
+        } else {
             notify(field, key, value);
         }
     }

@@ -178,6 +178,88 @@ TEST_F(PublisherReentry, WhoIsRemovedInANestedChangeIsNotToldOfTheOuterOne) {
     EXPECT_EQ(publisher.subscriberCount(), 2u);
 }
 
+/// Who is told alone may do what he may do beside others.
+TEST_F(PublisherReentry, OnlySubscriberMayAddOthersWhoWaitForTheNextChange) {
+    for (bool const atFront : {false, true}) {
+        std::vector<std::unique_ptr<Reactor>> added;
+        Reactor adder(calls, "adder", [&] {
+            while (added.size() < 100) {
+                added.push_back(std::make_unique<Reactor>(calls, "added"));
+                add(*added.back(), atFront);
+            }
+        });
+        add(adder);
+        EXPECT_EQ(heard(1), (Calls{"adder 131.1"}));
+        Calls expected(100, "added 131.2");
+        expected.insert(atFront ? expected.end() : expected.begin(), "adder 131.2");
+        EXPECT_EQ(heard(2), expected);
+    }
+}
+
+TEST_F(PublisherReentry, OnlySubscriberMayLeave) {
+    Reactor once(calls, "once", [&] { remove(once); });
+    add(once);
+    EXPECT_EQ(heard(1), (Calls{"once 131.1"}));
+    EXPECT_FALSE(publisher.hasSubscribers());
+    EXPECT_EQ(heard(2), Calls{});
+}
+
+TEST_F(PublisherReentry, OnlySubscriberThatLeavesAndComesBackIsToldOnce) {
+    Reactor turner(calls, "turner", [&] {
+        remove(turner);
+        add(turner);
+    });
+    add(turner);
+    EXPECT_EQ(heard(1), (Calls{"turner 131.1"}));
+    EXPECT_EQ(heard(2), (Calls{"turner 131.2"}));
+}
+
+TEST_F(PublisherReentry, OnlySubscriberMayGiveItsPlaceToOneWhoWaitsForTheNextChange) {
+    Reactor giver(calls, "giver", [&] {
+        add(a);
+        remove(giver);
+    });
+    add(giver);
+    EXPECT_EQ(heard(1), (Calls{"giver 131.1"}));
+    EXPECT_EQ(heard(2), (Calls{"a 131.2"}));
+}
+
+TEST_F(PublisherReentry, OnlySubscriberMayBeDestroyed) {
+    std::optional<Reactor> own;
+    own.emplace(calls, "own", [&] { own.reset(); });
+    add(*own);
+    EXPECT_EQ(heard(1), (Calls{"own 131.1"}));
+    EXPECT_FALSE(publisher.hasSubscribers());
+}
+
+TEST_F(PublisherReentry, OnlySubscriberMayPublishBesideOneWhoIsToldOfThatChangeAlone) {
+    int depth = 0;
+    Reactor writer(calls, "writer", [&] {
+        if (++depth == 1) {
+            add(a);
+            publish(publisher, 140, 1);
+            remove(a);
+            publish(publisher, 140, 2);
+        }
+    });
+    add(writer);
+    EXPECT_EQ(heard(9), (Calls{"writer 131.9", "writer 140.1", "a 140.1", "writer 140.2"}));
+}
+
+TEST_F(PublisherReentry, OneWhoIsLeftOverInANestedChangeIsToldWhoeverWasFirst) {
+    int depth = 0;
+    Reactor leaver(calls, "leaver", [&] {
+        if (++depth == 1) {
+            remove(leaver);
+            publish(publisher, 140, 1);
+        }
+    });
+    add(leaver);
+    add(a);
+    EXPECT_EQ(heard(9), (Calls{"leaver 131.9", "a 140.1", "a 131.9"}));
+    EXPECT_EQ(heard(10), (Calls{"a 131.10"}));
+}
+
 /// An entity that publishes, held by counted pointers.
 class Tower final : public Pelo::Node {
 public:
@@ -219,6 +301,24 @@ TEST_F(PublisherReentry, LastPointerToThePublishersOwnerMayGoInANestedChange) {
     tower->publisher()->subscriberAdd(&a.subscriber, false);
     tower->change(9);
     EXPECT_TRUE(gone);
+    EXPECT_EQ(calls, (Calls{"breaker 131.9", "breaker 131.1", "breaker 131.2"}));
+}
+
+TEST_F(PublisherReentry, LastPointerToThePublishersOwnerMayGoByTheOnlySubscriber) {
+    bool gone = false;
+    auto tower = Pelo::newNode<Tower>(gone);
+    int depth = 0;
+    Reactor breaker(calls, "breaker", [&] {
+        if (++depth == 3) {
+            tower = nullptr;
+        } else {
+            tower->change(depth);
+        }
+    });
+    tower->publisher()->subscriberAdd(&breaker.subscriber, false);
+    tower->change(9);
+    EXPECT_TRUE(gone);
+    EXPECT_FALSE(breaker.subscriber.subscribed());
     EXPECT_EQ(calls, (Calls{"breaker 131.9", "breaker 131.1", "breaker 131.2"}));
 }
 
