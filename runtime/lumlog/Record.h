@@ -20,8 +20,9 @@ namespace Lumlog {
 /// statement in a template does. An exception ends the process.
 template <Piece... Pieces>
 void record(RingBuffer& ring, MsgDescriptor& site, Pieces&&... pieces) noexcept {
-    std::apply([&](auto const&... args) { Internal::recordArgs(ring, site, args...); },
-               std::tuple_cat(Internal::flatten(pieces)...));
+    std::apply(
+        [&](auto const&... args) { Internal::recordArgs(ring, site, Internal::handed(args)...); },
+        std::tuple_cat(Internal::flatten(pieces)...));
 }
 
 } // namespace Lumlog

@@ -61,6 +61,16 @@ template <class... Args> auto textsOf(Args const&... args) noexcept {
     return result;
 }
 
+/// What of an argument is handed from function to function, by value: the argument, or a view of a
+/// text. What nobody has a reference to is never put together in memory.
+template <class Arg> auto handed(Arg const& arg) noexcept {
+    if constexpr (isText<Arg>) {
+        return std::string_view(arg);
+    } else {
+        return arg;
+    }
+}
+
 template <class Arg> std::size_t textSize(Arg const& arg) noexcept {
     if constexpr (isText<Arg>) {
         return arg.size();
@@ -89,13 +99,20 @@ VORNIC_RUNTIME_API MsgDescriptor const* described(RingBuffer& ring, MsgDescripto
                                                   char const* format,
                                                   std::span<Qor::Words const> words) noexcept;
 
+/// The same by the arguments of a record.
+template <class... Args>
+[[gnu::noinline, gnu::cold]] MsgDescriptor const*
+describedFor(RingBuffer& ring, MsgDescriptor& site, Args... args) noexcept {
+    return described(ring, site, FormatOf<std::tuple<Args...>>::text, wordsOf(args...));
+}
+
 /// Shortens texts, the last first, until they take `excess` bytes less.
 VORNIC_RUNTIME_API void cutTexts(std::span<std::string_view> texts, std::size_t excess) noexcept;
 
 /// Writes a record that is too large: the texts are shortened until it fits.
 template <class... Args>
 [[gnu::noinline, gnu::cold]] void writeCut(RingBuffer& ring, MsgDescriptor const& message,
-                                           std::size_t size, Args const&... args) noexcept {
+                                           std::size_t size, Args... args) noexcept {
     auto texts = textsOf(args...);
     cutTexts(texts, size - ring.maxPayload());
     std::string_view const* text = texts.data();
@@ -112,11 +129,10 @@ template <class... Args>
 }
 
 template <class... Args>
-void recordArgs(RingBuffer& ring, MsgDescriptor& site, Args const&... args) noexcept {
-    auto const words = wordsOf(args...);
+void recordArgs(RingBuffer& ring, MsgDescriptor& site, Args... args) noexcept {
     MsgDescriptor const* message = &site;
-    if (!ring.readyFor(site) || !site.hasSameWords(words)) [[unlikely]] {
-        message = described(ring, site, FormatOf<std::tuple<Args...>>::text, words);
+    if (!ring.readyFor(site) || !site.hasSameWords(wordsOf(args...))) [[unlikely]] {
+        message = describedFor(ring, site, args...);
         if (message == nullptr) {
             return;
         }

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -133,10 +134,11 @@ inline std::byte* RingBuffer::startMsg(MsgDescriptor const& descriptor,
     U64 const position = header_->head;
     header_->reserved = position + size;
     std::atomic_signal_fence(std::memory_order_seq_cst); // what follows destroys the oldest records
-    RingFormat::RecordHeader const header{
+    std::byte* const at = records_ + (position & mask_);
+    new (at) RingFormat::RecordHeader{
         static_cast<U16>(size / RingFormat::unit), static_cast<U16>(descriptor.msgId()),
         static_cast<U32>(header_->sequence), position ^ cookie_, clock_.now()};
-    return append(records_ + (position & mask_), header);
+    return at + sizeof(RingFormat::RecordHeader);
 }
 
 /// Most texts are names, for which a call of `memcpy` would take longer than the copy: up to 16

@@ -104,14 +104,20 @@ public:
         Lumlog::record(*ring_, descriptor_, recordable(pieces)...);
     }
 
-    template <Lumlog::Piece... Pieces>
-    [[gnu::noinline, gnu::cold]] void line(Pieces&&... pieces) const noexcept {
-        TraceHelper helper(handle_, descriptor_.level(), descriptor_.unit(), descriptor_.line(),
-                           function_);
-        (helper.stream() << ... << pieces);
+    template <Lumlog::Piece... Pieces> void line(Pieces&&... pieces) const noexcept {
+        writeLine(handle_, descriptor_, function_, pieces...);
     }
 
 private:
+    template <class... Pieces>
+    [[gnu::noinline, gnu::cold]] static void
+    writeLine(TraceHandle const& handle, Lumlog::MsgDescriptor const& descriptor,
+              char const* function, Pieces&... pieces) noexcept {
+        TraceHelper helper(handle, descriptor.level(), descriptor.unit(), descriptor.line(),
+                           function);
+        (helper.stream() << ... << pieces);
+    }
+
     /// What the ring buffer can take of a piece: the piece, or the text that its printer makes.
     template <class T> static decltype(auto) recordable(T& piece) {
         if constexpr (Lumlog::Recordable<std::remove_const_t<T>>) {
