@@ -29,12 +29,6 @@ void HashMapBase::iteratorsDetach() noexcept {
     }
 }
 
-void HashMapBase::iteratorsMemberGone(U32 position) noexcept {
-    for (IteratorBase* it = iterators_; it != nullptr; it = it->next_) {
-        it->stale_ = it->stale_ || it->position_ == position;
-    }
-}
-
 void HashMapBase::iteratorsAllGone(U32 end) noexcept {
     for (IteratorBase* it = iterators_; it != nullptr; it = it->next_) {
         it->stale_ = it->stale_ || it->position_ < end;

@@ -42,7 +42,11 @@ protected:
     bool iterated() const noexcept { return iterators_ != nullptr; }
 
     void iteratorsDetach() noexcept;
-    void iteratorsMemberGone(U32 position) noexcept;
+    void iteratorsMemberGone(U32 position) noexcept {
+        for (IteratorBase* it = iterators_; it != nullptr; it = it->next_) {
+            it->stale_ = it->stale_ || it->position_ == position;
+        }
+    }
     void iteratorsAllGone(U32 end) noexcept;
 
     /// Lowers the position of each walk by the number of holes before it.

@@ -15,6 +15,10 @@ void HashIndex::grow() {
     limit_ = static_cast<U32>(size * (TagGroup::slotCount - 2));
 }
 
+void HashIndex::takeAmongOthers(U32 hash, U32 position) noexcept {
+    forget(hash, locate(hash, [position](U32 at) { return at == position; }));
+}
+
 void HashIndex::clear() noexcept {
     if (storage_ != nullptr) {
         std::fill_n(storage_.get(), groupCount(), TagGroup());

@@ -64,6 +64,20 @@ public:
         return place.position;
     }
 
+    /// Forgets the member of this hash at this position, which must be here. Most often its tag
+    /// alone says which slot is its own.
+    template <class Key> void takeAt(Key const&, U32 hash, U32 position) noexcept {
+        TagGroup& group = storage_[firstGroup(hash)];
+        U32 const slots = group.matches(hash);
+        bool const onlyOne = (slots & (slots - 1)) == 0;
+        if (onlyOne && group.endsSearch()) [[likely]] {
+            group.slotFree(static_cast<U32>(std::countr_zero(slots)));
+            --used_;
+        } else {
+            takeAmongOthers(hash, position);
+        }
+    }
+
     /// Whether one more member can be inserted.
     template <class Key> bool hasRoom(Key const&) const noexcept { return used_ != limit_; }
 
@@ -106,8 +120,8 @@ private:
         U32 at = firstGroup(hash);
         for (U32 seen = 0; seen <= mask_; ++seen) {
             Row const* const row = rows_.get() + at;
-            __builtin_prefetch(row);
             for (U32 slots = groups_[at].matches(hash); slots != 0; slots &= slots - 1) {
+                __builtin_prefetch(row); // already while the tags are on their way
                 auto const slot = static_cast<U32>(std::countr_zero(slots));
                 U32 const position = row->position[slot];
                 if (same(position)) [[likely]] {
@@ -141,6 +155,7 @@ private:
         storage_[place.group].slotFree(place.slot);
         --used_;
     }
+    void takeAmongOthers(U32 hash, U32 position) noexcept;
     void grow();
 
     std::unique_ptr<TagGroup[]> storage_;
@@ -168,6 +183,9 @@ public:
     template <class Key, class Same> U32 take(Key const& key, U32, Same) noexcept {
         U32 const at = key.directIndex();
         return at < size_ ? std::exchange(positions_[at], noPosition) : noPosition;
+    }
+    template <class Key> void takeAt(Key const& key, U32, U32) noexcept {
+        positions_[key.directIndex()] = noPosition;
     }
     template <class Key> bool hasRoom(Key const& key) const noexcept {
         return key.directIndex() < size_;

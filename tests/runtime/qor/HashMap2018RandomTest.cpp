@@ -187,7 +187,14 @@ private:
         }
         model_.set(key, value);
     }
-    void remove(U32 key) { EXPECT_EQ(map_->deleteMember(keyOf<K>(key)), model_.remove(key)); }
+    void remove(U32 key) {
+        auto const* const member = map_->lookupNode(keyOf<K>(key));
+        if (member != nullptr && random_.oneIn(2)) {
+            EXPECT_EQ(map_->deleteMember(*member), model_.remove(key));
+        } else {
+            EXPECT_EQ(map_->deleteMember(keyOf<K>(key)), model_.remove(key));
+        }
+    }
 
     void startOrEndWalk() {
         if (walks_.size() < maxWalks_ && random_.oneIn(2)) {

@@ -97,6 +97,16 @@ TEST_F(HashMap2018Value, GoesAfterTheDeletionAndMayInsertItsKeyAgain) {
     EXPECT_EQ(names(), (Names{"b", "a"}));
 }
 
+TEST_F(HashMap2018Value, OfADeletedNodeGoesAfterTheDeletionToo) {
+    insert("a", [this] {
+        EXPECT_EQ(names(), (Names{"b"}));
+        insert("a");
+    });
+    insert("b");
+    guests->deleteMember(*guests->lookupNode("a"));
+    EXPECT_EQ(names(), (Names{"b", "a"}));
+}
+
 TEST_F(HashMap2018Value, ReplacedOneMayInsertMembers) {
     insert("a", [this] { insertMany(); });
     insert("b");

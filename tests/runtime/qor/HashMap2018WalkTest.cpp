@@ -36,6 +36,21 @@ TEST_F(HashMap2018Walk, MayDeleteTheCurrentMember) {
     EXPECT_EQ(keys(), (Numbers{2, 4}));
 }
 
+TEST_F(HashMap2018Walk, MayDeleteTheMemberThatItGaveInsteadOfItsKey) {
+    Numbers visited;
+    for (Map::Iterator it(*map); it; it.advance()) {
+        visited.push_back(it.key());
+        if (it.key() % 2 == 1) {
+            EXPECT_EQ(map->deleteMember(*it.currNodeMaybeStale()),
+                      static_cast<int>(visited.back()));
+            EXPECT_EQ(it.currNodeMaybeStale(), nullptr);
+            EXPECT_FALSE(map->has(visited.back()));
+        }
+    }
+    EXPECT_EQ(visited, (Numbers{1, 2, 3, 4, 5}));
+    EXPECT_EQ(keys(), (Numbers{2, 4}));
+}
+
 TEST_F(HashMap2018Walk, MayDeleteEveryMemberAsItGoes) {
     EXPECT_EQ(visited([this](U32 key) { remove(key); }), (Numbers{1, 2, 3, 4, 5}));
     EXPECT_EQ(keys(), Numbers{});

@@ -37,6 +37,11 @@ public:
         hashes_.erase(position);
         return index_.take(0, hash, [=](U32 at) { return at == position; });
     }
+    void takeAt(U32 position) {
+        U32 const hash = hashes_.at(position);
+        hashes_.erase(position);
+        index_.takeAt(0, hash, position);
+    }
     U32 find(U32 position, U32 hash) const {
         return index_.find(0, hash, [=](U32 at) { return at == position; });
     }
@@ -112,6 +117,38 @@ TEST(HashIndex, MemberTakenOutIsNotFound) {
     EXPECT_EQ(filed.find(0, hashAt(1, 1)), noPosition);
     EXPECT_EQ(filed.find(1, hashAt(1, 1)), 1u);
     EXPECT_EQ(filed.index().take(0, hashAt(1, 2), [](U32) { return true; }), noPosition);
+}
+
+TEST(HashIndex, MemberTakenOutByItsPositionIsNotFound) {
+    Filed filed;
+    filed.insert(0, hashAt(1, 1));
+    filed.insert(1, hashAt(1, 2));
+    filed.takeAt(0); // the only one with its tag
+    EXPECT_EQ(filed.looks(hashAt(1, 1)), 0u);
+    filed.expectAllFound();
+    filed.insert(2, hashAt(1, 2));
+    filed.takeAt(1); // one of two
+    EXPECT_EQ(filed.looks(hashAt(1, 2)), 1u);
+    filed.expectAllFound();
+}
+
+TEST(HashIndex, MembersThatWentOnAreTakenOutByTheirPositions) {
+    Filed filed;
+    U32 position = 0;
+    for (; position < 20; ++position) {
+        filed.insert(position, hashAt(2, 4 + position % 2)); // more than a group has slots
+    }
+    filed.insert(position, hashAt(2, 9)); // alone with its tag, and not in its first group
+    filed.insert(position + 1, hashAt(3, 9));
+    filed.takeAt(position);
+    EXPECT_EQ(filed.looks(hashAt(3, 9)), 1u);
+    filed.expectAllFound();
+    while (position-- != 0) {
+        filed.takeAt(position);
+        ASSERT_EQ(filed.find(position, hashAt(2, 4 + position % 2)), noPosition);
+        ASSERT_NO_FATAL_FAILURE(filed.expectAllFound());
+    }
+    EXPECT_EQ(filed.looks(hashAt(2, 4)), 0u);
 }
 
 TEST(HashIndex, OldMembersMakeNoSearchLonger) {
@@ -202,7 +239,11 @@ TEST(HashIndex, RandomMembersOfFewHashesAreAllFound) {
             auto const at = filed.hashes().lower_bound(random.below(step));
             U32 const position =
                 at == filed.hashes().end() ? filed.hashes().begin()->first : at->first;
-            ASSERT_EQ(filed.take(position), position);
+            if (random.oneIn(2)) {
+                filed.takeAt(position);
+            } else {
+                ASSERT_EQ(filed.take(position), position);
+            }
         }
         if (step % 50 == 0) {
             ASSERT_NO_FATAL_FAILURE(filed.expectAllFound());
@@ -232,6 +273,9 @@ TEST(DirectIndex, FindsMembersByTheirNumbers) {
     EXPECT_EQ(find(65535), 0u);
     EXPECT_EQ(index.take(SmallNumber{65535}, 1, never), 0u);
     EXPECT_EQ(find(65535), noPosition);
+    index.insert(SmallNumber{7}, 1, 1);
+    index.takeAt(SmallNumber{7}, 1, 1);
+    EXPECT_EQ(find(7), noPosition);
     index.insert(SmallNumber{7}, 1, 1);
     index.clear();
     EXPECT_EQ(find(7), noPosition);
