@@ -1,6 +1,7 @@
 #include "vpstate/VpNames.h"
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <ostream>
 #include <utility>
@@ -16,9 +17,11 @@ constexpr U32 noName = 0xFFFFFFFF;
 
 } // namespace
 
-/// The names of a set that outgrew the inline ones. Once they are too many to be walked there is an
-/// index of their positions by hash: open addressing, at most half full.
+/// The names of a set that outgrew the inline ones, and of its copies. It changes only while one
+/// set uses it. Once the names are too many to be walked there is an index of their positions by
+/// hash: open addressing, at most half full.
 struct VpNames::Block {
+    U32 useCount = 1; ///< the sets that share the block
     std::vector<Pelo::String> names;
     std::vector<U32> index;
 
@@ -71,45 +74,15 @@ struct VpNames::Block {
     }
 };
 
-VpNames::VpNames(VpNames const& other) {
-    if (other.inBlock_) {
-        block_ = new Block(*other.block_);
-        inBlock_ = true;
-    } else {
-        std::uninitialized_copy_n(other.inline_, other.size_, inline_);
-    }
-    size_ = other.size_;
+VpNames::Block* VpNames::shared(Block* block) noexcept {
+    Pelo::countInc(block->useCount);
+    return block;
 }
 
-VpNames::VpNames(VpNames&& other) noexcept : size_(other.size_), inBlock_(other.inBlock_) {
-    if (inBlock_) {
-        block_ = other.block_;
-    } else {
-        std::uninitialized_move_n(other.inline_, size_, inline_);
-        std::destroy_n(other.inline_, size_);
+void VpNames::release(Block* block) noexcept {
+    if (Pelo::countDec(block->useCount)) {
+        delete block;
     }
-    other.size_ = 0;
-    other.inBlock_ = false;
-}
-
-VpNames& VpNames::operator=(VpNames const& other) { return *this = VpNames(other); }
-
-VpNames& VpNames::operator=(VpNames&& other) noexcept {
-    if (this != &other) {
-        clear();
-        new (this) VpNames(std::move(other));
-    }
-    return *this;
-}
-
-void VpNames::clear() noexcept {
-    if (inBlock_) {
-        delete block_;
-    } else {
-        std::destroy_n(inline_, size_);
-    }
-    size_ = 0;
-    inBlock_ = false;
 }
 
 VpNames::const_iterator VpNames::begin() const noexcept {
@@ -133,6 +106,8 @@ bool VpNames::add(Pelo::String const& name) {
     } else {
         if (!inBlock_) {
             moveToBlock();
+        } else {
+            unshare();
         }
         block_->add(name);
     }
@@ -149,13 +124,27 @@ void VpNames::moveToBlock() {
     inBlock_ = true;
 }
 
-bool VpNames::remove(Pelo::String const& name) noexcept {
+/// The copy has room for a name more, because most often one is added to it.
+void VpNames::unshare() {
+    if (std::atomic_ref<U32>(block_->useCount).load(std::memory_order_acquire) == 1) {
+        return;
+    }
+    auto own = std::make_unique<Block>();
+    own->names.reserve(block_->names.size() + 1);
+    own->names.assign(block_->names.begin(), block_->names.end());
+    own->index = block_->index;
+    release(block_);
+    block_ = own.release();
+}
+
+bool VpNames::remove(Pelo::String const& name) {
     const_iterator const found = find(name);
     if (found == end()) {
         return false;
     }
     auto const at = static_cast<std::size_t>(found - begin());
     if (inBlock_) {
+        unshare();
         block_->remove(at);
     } else {
         std::move(inline_ + at + 1, inline_ + size_, inline_ + at);
@@ -183,6 +172,9 @@ std::string VpNames::stringValue() const {
 }
 
 bool operator==(VpNames const& a, VpNames const& b) noexcept {
+    if (a.begin() == b.begin()) { // of one block
+        return true;
+    }
     return a.size_ == b.size_ &&
            std::all_of(a.begin(), a.end(), [&](Pelo::String const& name) { return b.has(name); });
 }

@@ -1,5 +1,6 @@
 #include "vpstate/VpNames.h"
 
+#include "support/MultiThreaded.h"
 #include "support/ParseOutcome.h"
 #include "support/Random.h"
 
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -168,6 +170,75 @@ TEST(VpNames, AgreesWithAListOfNames) {
         }
         ASSERT_EQ(listOf(names), model);
     }
+}
+
+TEST(VpNames, CopiesShareTheirBlockUntilOneIsChanged) {
+    for (std::size_t const size : sizes) {
+        VpNames const names = namesOf(size);
+        VpNames added(names);
+        VpNames removed(names);
+        VpNames cleared(names);
+        VpNames const kept(names);
+        EXPECT_EQ(kept.begin() == names.begin(), size > 4) << size;
+
+        EXPECT_TRUE(added.add("one more"));
+        EXPECT_EQ(removed.remove(nameOf(0).c_str()), size != 0);
+        cleared.clear();
+
+        auto const list = listOf(namesOf(size));
+        EXPECT_EQ(listOf(names), list);
+        EXPECT_EQ(listOf(kept), list);
+        EXPECT_EQ(names, kept);
+        auto expected = list;
+        expected.emplace_back("one more");
+        EXPECT_EQ(listOf(added), expected);
+        EXPECT_TRUE(added.has("one more"));
+        EXPECT_FALSE(names.has("one more"));
+        expected = list;
+        expected.erase(expected.begin(), expected.begin() + (size == 0 ? 0 : 1));
+        EXPECT_EQ(listOf(removed), expected);
+        EXPECT_TRUE(cleared.empty());
+    }
+}
+
+TEST(VpNames, ChangeThatChangesNothingLeavesTheBlockShared) {
+    VpNames const names = namesOf(10);
+    VpNames copy(names);
+    EXPECT_FALSE(copy.add(nameOf(3).c_str()));
+    EXPECT_FALSE(copy.remove("nobody"));
+    EXPECT_EQ(copy.begin(), names.begin());
+}
+
+TEST(VpNames, LastCopyKeepsTheNamesWhenTheOthersAreGone) {
+    VpNames last;
+    {
+        VpNames const names = namesOf(20);
+        last = names;
+        last = VpNames(last);
+    }
+    EXPECT_EQ(listOf(last), listOf(namesOf(20)));
+    Pelo::String const* const before = last.begin();
+    EXPECT_TRUE(last.remove(nameOf(19).c_str()));
+    EXPECT_EQ(last.begin(), before); // in its own block again
+}
+
+TEST(VpNames, CopiesOfOneBlockBelongToDifferentThreads) {
+    Support::MultiThreaded const multiThreaded;
+    VpNames const names = namesOf(20);
+    auto const work = [](VpNames copy) {
+        for (int round = 0; round < 1000; ++round) {
+            VpNames changed(copy);
+            changed.add("another");
+            changed.remove(nameOf(static_cast<std::size_t>(round % 20)).c_str());
+            copy = VpNames(copy);
+        }
+        EXPECT_EQ(copy.size(), 20u);
+    };
+    std::thread first(work, names);
+    std::thread second(work, names);
+    first.join();
+    second.join();
+    EXPECT_EQ(listOf(names), listOf(namesOf(20)));
 }
 
 } // namespace

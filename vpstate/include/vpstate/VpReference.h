@@ -33,13 +33,15 @@ public:
 
     /// Adds a name, or with `false` removes it, as every name in the set stands for `true`.
     void referenceIs(Pelo::String const& name, bool present);
-    bool referenceDel(Pelo::String const& name) noexcept { return references_.remove(name); }
+    bool referenceDel(Pelo::String const& name) { return references_.remove(name); }
     void referenceDelAll() noexcept { references_.clear(); }
 
     U64 hash() const noexcept { return Pelo::hashMix(references_.hash(), vPort_.vpIndex()); }
     std::string stringValue() const;
 
-    friend bool operator==(VpReference const&, VpReference const&) noexcept = default;
+    friend bool operator==(VpReference const& a, VpReference const& b) noexcept {
+        return a.vPort_ == b.vPort_ && a.references_ == b.references_;
+    }
 
 private:
     VpNames references_;
