@@ -26,6 +26,15 @@ std::size_t controlAt(std::string_view text) noexcept {
     return at;
 }
 
+/// Where the digits of a name begin that has a short form, else 0.
+U32 digitsAt(std::string_view name) noexcept {
+    auto const digit = std::find_if(name.begin(), name.end(), isDigit);
+    if (name.size() < 2 || !isLetter(name[0]) || !isLetter(name[1]) || digit == name.end()) {
+        return 0;
+    }
+    return static_cast<U32>(digit - name.begin());
+}
+
 } // namespace
 
 /// The names in use. The table is never destroyed: ids with static storage may outlive every other
@@ -44,7 +53,7 @@ struct IntfId::Table {
         return instance().take(
             hash, [&](Entry const& entry) { return entry.name.view() == name; },
             [&] {
-                return new Entry{hash, 1, Pelo::String(text)};
+                return new Entry{hash, 1, digitsAt(name), Pelo::String(text)};
             });
     }
 };
@@ -65,11 +74,10 @@ std::string IntfId::shortName() const {
 
 std::pair<std::string_view, std::string_view> IntfId::shortNameParts() const noexcept {
     std::string_view const full = name();
-    auto const digit = std::find_if(full.begin(), full.end(), isDigit);
-    if (full.size() < 2 || !isLetter(full[0]) || !isLetter(full[1]) || digit == full.end()) {
+    if (entry_ == nullptr || entry_->digits == 0) {
         return {full, {}};
     }
-    return {full.substr(0, 2), full.substr(static_cast<std::size_t>(digit - full.begin()))};
+    return {full.substr(0, 2), full.substr(entry_->digits)};
 }
 
 Pelo::Parsed<IntfId> IntfId::parse(std::string_view text) {

@@ -36,7 +36,7 @@ public:
     }
     IntfId(IntfId&& other) noexcept : entry_(std::exchange(other.entry_, nullptr)) {}
     ~IntfId() {
-        if (entry_ != nullptr) {
+        if (entry_ != nullptr && !Pelo::countDecUnlessLast(entry_->useCount)) {
             release(entry_);
         }
     }
@@ -78,6 +78,7 @@ private:
     struct Entry {
         U64 hash;
         U32 useCount;
+        U32 digits; ///< where the text of the short name goes on; 0 when that is the whole name
         Pelo::String name;
     };
     struct Table;

@@ -91,22 +91,6 @@ private:
     };
     static constexpr std::size_t smallestCapacity = 16;
 
-    /// Takes one from a count that stays above zero; false, and no change, when the count is 1.
-    static bool countDecUnlessLast(U32& count) noexcept {
-        if (!ThreadControl::multiThreaded()) {
-            return count > 1 && (--count, true);
-        }
-        std::atomic_ref<U32> const shared(count);
-        U32 seen = shared.load(std::memory_order_relaxed);
-        while (seen > 1) {
-            if (shared.compare_exchange_weak(seen, seen - 1, std::memory_order_acq_rel,
-                                             std::memory_order_relaxed)) {
-                return true;
-            }
-        }
-        return false;
-    }
-
     std::size_t next(std::size_t at) const noexcept { return (at + 1) & (capacity_ - 1); }
 
     void grow() {

@@ -43,6 +43,23 @@ inline bool countDec(U32& count) noexcept {
     return --count == 0;
 }
 
+/// Takes one from a count that stays above zero, under the thread-control rule; false, and no
+/// change, when the count is 1.
+inline bool countDecUnlessLast(U32& count) noexcept {
+    if (!ThreadControl::multiThreaded()) {
+        return count > 1 && (--count, true);
+    }
+    std::atomic_ref<U32> const shared(count);
+    U32 seen = shared.load(std::memory_order_relaxed);
+    while (seen > 1) {
+        if (shared.compare_exchange_weak(seen, seen - 1, std::memory_order_acq_rel,
+                                         std::memory_order_relaxed)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// Holds a mutex only while several threads may touch entities, so that a single-threaded agent
 /// never locks.
 template <class Mutex> class ThreadControlGuard {
