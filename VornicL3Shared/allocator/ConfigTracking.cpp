@@ -2,6 +2,7 @@
 
 #include "VornicL3Shared/VpIndexAllocatorDirSm.h"
 #include "allocator/Trace.h"
+#include "pelo/NoThrow.h"
 #include "qor/Exceptions.h"
 
 namespace VornicCentral {
@@ -101,14 +102,18 @@ void VpIndexAllocatorDirSm::vpIndexConfigDirDispatch(Pelo::Publisher*, Pelo::Sub
     }
     Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(
         &self); // a subscriber of the records may drop the last pointer
-    auto const& name = *static_cast<Pelo::String const*>(key);
-    if (!self.handlerTurns_.running()) {
-        self.handlerTurns_.run([&] { self.handleVpIndexConfig(name); });
+    Pelo::runNoThrow([&] { self.reactToConfig(*static_cast<Pelo::String const*>(key)); });
+}
+
+/// Handles a changed entry, or leaves it until the running handler is done.
+void VpIndexAllocatorDirSm::reactToConfig(Pelo::String const& name) {
+    if (!handlerTurns_.running()) {
+        handlerTurns_.run([&] { handleVpIndexConfig(name); });
         return;
     }
-    self.handlerTurns_.leave(&self, [&self, name]() noexcept {
-        if (!self.isZombie()) {
-            self.handleVpIndexConfig(name);
+    handlerTurns_.leave(this, [this, name] {
+        if (!isZombie()) {
+            handleVpIndexConfig(name);
         }
     });
 }

@@ -4,6 +4,7 @@
 #include "VornicL3Shared/VpIndexAllocatorDirSm.h"
 #include "allocator/KindWords.h"
 #include "allocator/Trace.h"
+#include "pelo/NoThrow.h"
 
 namespace VornicCentral {
 
@@ -76,11 +77,13 @@ void VpIndexAllocatorDirSm::vpReferenceDispatch(Pelo::Publisher*, Pelo::Subscrib
     }
     Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(
         &self); // a subscriber of the waiting keys may drop the last pointer
-    forEachKind([&](auto kind) {
-        using Kind = decltype(kind);
-        if (field == Kind::field) {
-            self.handleInvalidKey<Kind>(*static_cast<typename Kind::Key const*>(key));
-        }
+    Pelo::runNoThrow([&] {
+        forEachKind([&](auto kind) {
+            using Kind = decltype(kind);
+            if (field == Kind::field) {
+                self.handleInvalidKey<Kind>(*static_cast<typename Kind::Key const*>(key));
+            }
+        });
     });
 }
 

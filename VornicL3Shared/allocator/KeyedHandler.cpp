@@ -5,6 +5,7 @@
 #include "VornicL3Shared/VpIndexAllocatorDirSm.h"
 #include "allocator/KindWords.h"
 #include "allocator/Trace.h"
+#include "pelo/NoThrow.h"
 #include "qor/Exceptions.h"
 
 #include <type_traits>
@@ -195,11 +196,13 @@ void VpIndexAllocator::vpIndexConfigDispatch(Pelo::Publisher*, Pelo::Subscriber*
     if (self.isZombie()) {
         return;
     }
-    forEachKind([&](auto kind) {
-        using Kind = decltype(kind);
-        if (field == Kind::field) { // of one kind only: `self` may go, and is not used again
-            self.react<Kind>(*static_cast<typename Kind::Key const*>(key));
-        }
+    Pelo::runNoThrow([&] {
+        forEachKind([&](auto kind) {
+            using Kind = decltype(kind);
+            if (field == Kind::field) { // of one kind only: `self` may go, and is not used again
+                self.react<Kind>(*static_cast<typename Kind::Key const*>(key));
+            }
+        });
     });
 }
 
@@ -213,7 +216,7 @@ template <class Kind> void VpIndexAllocator::react(typename Kind::Key const& key
         handleOne<Kind>(key);
         return;
     }
-    stateMachine->handlerTurns_.leave(this, [self, key]() noexcept {
+    stateMachine->handlerTurns_.leave(this, [self, key] {
         if (!self->isZombie()) {
             self->handleOne<Kind>(key);
         }

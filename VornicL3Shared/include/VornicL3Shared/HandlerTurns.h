@@ -1,10 +1,10 @@
 #pragma once
 
 #include "VornicL3Shared/Export.h"
+#include "pelo/NoThrow.h"
 
 #include <deque>
 #include <functional>
-#include <type_traits>
 #include <utility>
 
 namespace VornicCentral {
@@ -43,7 +43,7 @@ public:
 
     /// Leaves a change of `owner`, or a release, to whoever is running (when nobody is, it waits
     /// until somebody runs); the handler keeps alive what it needs. Like a reactor it must not
-    /// throw: whoever runs it did not ask for it.
+    /// throw (see `Pelo::runNoThrow`): whoever runs it did not ask for it.
     template <class Handler> void leave(void const* owner, Handler handler) {
         push(left_, owner, std::move(handler));
     }
@@ -75,7 +75,6 @@ private:
     using Queue = std::deque<Left>;
 
     template <class Handler> static void push(Queue& queue, void const* owner, Handler handler) {
-        static_assert(std::is_nothrow_invocable_v<Handler&>);
         queue.push_back({owner, std::move(handler)});
     }
 
@@ -86,7 +85,7 @@ private:
         }
         auto const next = std::move(queue.front().handler);
         queue.pop_front();
-        next();
+        Pelo::runNoThrow(next);
         return true;
     }
 

@@ -274,6 +274,7 @@ private:
 
     void switchAllocators(bool active);
     void subscribe(bool on);
+    void reactToConfig(Pelo::String const& name);
     void releaseAll() noexcept;
     void recoverFromReferences();
     void recoverFromBootStatus();
