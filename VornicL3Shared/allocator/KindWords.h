@@ -74,7 +74,7 @@ struct RemoteWords : CommonWords {
     static constexpr Qor::Words ringIndex{" vPort: "};
     static RemoteVtepKey const& ringStatusKey(RemoteVtepKey const& key) { return key; }
     static VportText recycleText(RemoteVtepKey const& key) {
-        return VportText("vxlan remote vtep: %s", key.tunnelGroup().stringValue().c_str());
+        return VportText("vxlan remote vtep: ", key.tunnelGroup().stringValue());
     }
 };
 
@@ -84,7 +84,7 @@ template <> struct KindWords<RemoteVport> : RemoteWords {
     static constexpr Qor::Words match{" NonMlag Vport Match "};
     static constexpr Qor::Words ringTag{""};
     static VportText fullText(RemoteVtepKey const& key) {
-        return VportText("vxlan remote %s vtep: %s", "", key.tunnelGroup().stringValue().c_str());
+        return VportText("vxlan remote  vtep: ", key.tunnelGroup().stringValue());
     }
 
     static constexpr Qor::Words recoveredFor{" for vtep: "};
@@ -99,8 +99,7 @@ template <> struct KindWords<MlagRemoteVport> : RemoteWords {
     static constexpr Qor::Words match{" Mlag SameVpType Match "};
     static constexpr Qor::Words ringTag{"mlag "};
     static VportText fullText(RemoteVtepKey const& key) {
-        return VportText("vxlan remote %s vtep: %s", " mlag ",
-                         key.tunnelGroup().stringValue().c_str());
+        return VportText("vxlan remote  mlag  vtep: ", key.tunnelGroup().stringValue());
     }
 
     static constexpr Qor::Words invalidChanged{" mlag vport addition/modification for: "};
@@ -133,8 +132,7 @@ template <> struct KindWords<EdgeVport> : LocalWords<PortVlanKey> {
     static constexpr Qor::Words finalLabel = keyLabel;
     static constexpr Qor::Words allocating{" allocating vp index for pvKey: "};
     static VportText fullText(PortVlanKey const& key) {
-        return VportText("vxlan edge port: %s, vlan: %d", key.intf().stringValue().c_str(),
-                         int{key.vlan().value()});
+        return VportText("vxlan edge port: ", key.intf().name(), ", vlan: ", key.vlan().value());
     }
 
     static constexpr Qor::Words recoveredFor{" for edge port: "};
@@ -153,7 +151,7 @@ template <> struct KindWords<VlanVport> : LocalWords<Bridging::VlanId> {
     static constexpr Qor::Words finalLabel = keyLabel;
     static constexpr Qor::Words allocating{" allocating vp index for vlan: "};
     static VportText fullText(Bridging::VlanId vlan) {
-        return VportText("vxlan vlan %d svp", int{vlan.value()});
+        return VportText("vxlan vlan ", vlan.value(), " svp");
     }
 
     static constexpr Qor::Words recoveredFor{" for vlan: "};
@@ -181,11 +179,11 @@ template <> struct KindWords<EFilterDisableVport> : InterfaceWords {
     static constexpr Qor::Words ringDeletion{
         " vport deleteion for: "}; // readers of the ring look for this spelling
     static VportText fullText(Netzo::IntfId const& intf) {
-        return VportText("eFilterDisable intf %s svp", intf.stringValue().c_str());
+        return VportText("eFilterDisable intf ", intf.name(), " svp");
     }
 
     static VportText recycleText(Netzo::IntfId const& intf) {
-        return VportText("eFilterDisable intf: %s", intf.stringValue().c_str());
+        return VportText("eFilterDisable intf: ", intf.name());
     }
 };
 

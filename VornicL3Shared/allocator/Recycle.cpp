@@ -17,7 +17,7 @@ constexpr char const* signature =
 void VpIndexAllocatorDirSm::recycleOrFreeVpIndex(U32 vpIndex) {
     Pelo::Ptr<VpIndexAllocatorDirSm> const self(this);
     if (handlerTurns_.somethingLeft()) {
-        handlerTurns_.leaveRelease([self, vpIndex]() noexcept { self->recycleOrFree(vpIndex); });
+        handlerTurns_.leaveRelease([self, vpIndex] { self->recycleOrFree(vpIndex); });
     } else {
         handlerTurns_.run([&] { self->recycleOrFree(vpIndex); });
     }
@@ -47,6 +47,9 @@ void VpIndexAllocatorDirSm::recycleOrFree(U32 vpIndex) {
 /// is none. Keys that do not wait any more are taken off the list on the way.
 template <class Kind> bool VpIndexAllocatorDirSm::recycleTo(VirtualPort vp) {
     auto const& waiting = vpInvalidReference_->collection<Kind>();
+    if (waiting.memberCount() == 0) { // spares most kinds a walk
+        return false;
+    }
     for (typename VpInvalidReferenceList::Collection<Kind>::Iterator it(waiting); it;
          it.advance()) {
         typename Kind::Key const key(it.key());
