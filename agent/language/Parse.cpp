@@ -16,7 +16,7 @@ std::optional<Pelo::ParseError> nameFault(std::string_view text) {
     if (text.empty() || text.size() > longestName) {
         return Pelo::ParseError{0, "a name of 1 to 255 bytes"};
     }
-    for (std::size_t at = 0; at < text.size();) {
+    for (std::size_t at = plainEnd(text, 0); at < text.size(); at = plainEnd(text, at)) {
         Utf8Character const character = utf8At(text, at);
         if (character.length == 0 || isControl(character.codePoint)) {
             return Pelo::ParseError{at, "a name without control characters"};

@@ -2,6 +2,8 @@
 
 #include "text/Utf8.h"
 
+#include <array>
+
 namespace VpAgent {
 
 namespace {
@@ -12,6 +14,26 @@ bool isAscii(char c) noexcept { return static_cast<unsigned char>(c) < 0x80; }
 
 bool isAsciiControl(char c) noexcept {
     return isAscii(c) && isControl(static_cast<unsigned char>(c));
+}
+
+/// Whether the byte may stand in a bare word and needs no closer look.
+bool isSimple(char c) noexcept {
+    static constexpr auto simple = [] {
+        std::array<bool, 256> table{};
+        for (std::size_t byte = '!'; byte <= '~'; ++byte) {
+            table[byte] = byte != '"' && byte != '#';
+        }
+        return table;
+    }();
+    return simple[static_cast<unsigned char>(c)];
+}
+
+/// Where the simple bytes that stand at `from` end.
+std::size_t simpleEnd(std::string_view line, std::size_t from) noexcept {
+    while (from < line.size() && isSimple(line[from])) {
+        ++from;
+    }
+    return from;
 }
 
 } // namespace
@@ -41,8 +63,8 @@ void Words::read(std::string_view line) {
 }
 
 std::size_t Words::readBare(std::size_t at) {
+    std::size_t end = simpleEnd(line_, at);
     bool ascii = true;
-    std::size_t end = at;
     for (; end < line_.size() && !isBlank(line_[end]) && line_[end] != '#'; ++end) {
         if (isAsciiControl(line_[end])) {
             refuseCharacter(end);

@@ -13,10 +13,7 @@ namespace VpAgent {
 namespace {
 
 /// Whether the character stands for itself in a JSON text.
-bool isPlain(char c) noexcept {
-    auto const byte = static_cast<unsigned char>(c);
-    return byte >= 0x20 && byte < 0x7F && c != '"' && c != '\\';
-}
+bool standsForItself(char c) noexcept { return isPlain(c) && c != '"' && c != '\\'; }
 
 /// Whether a terminal would act upon the text; JSON itself escapes only the characters below
 /// U+0020.
@@ -80,7 +77,7 @@ void JsonWriter::comma() {
 }
 
 void JsonWriter::string(std::string_view value) {
-    if (std::all_of(value.begin(), value.end(), isPlain)) {
+    if (std::all_of(value.begin(), value.end(), standsForItself)) {
         out_ += '"';
         out_ += value;
         out_ += '"';

@@ -16,15 +16,16 @@ namespace VpAgent {
 /// behind.
 class Output {
 public:
-    Output() = default;
+    /// The files that stand for the two streams; they stay open, and the caller's.
+    explicit Output(int outFile = 1, int errFile = 2) : outFile_(outFile), errFile_(errFile) {}
     ~Output() { flush(); }
     Output(Output const&) = delete;
     Output& operator=(Output const&) = delete;
 
     /// The buffer, to be appended to, of standard output.
-    std::string& out() { return to(standardOutput); }
+    std::string& out() { return to(Stream::out); }
     /// The buffer, to be appended to, of standard error.
-    std::string& err() { return to(standardError); }
+    std::string& err() { return to(Stream::err); }
 
     /// Sends the buffer when it is large; to be called when a line is complete.
     void lineDone() {
@@ -38,11 +39,11 @@ public:
     bool failed() const noexcept { return outFailed_ || errFailed_; }
 
 private:
-    static constexpr int standardOutput = 1;
-    static constexpr int standardError = 2;
+    enum class Stream { out, err };
+
     static constexpr std::size_t largeBuffer = std::size_t{64} * 1024;
 
-    std::string& to(int stream) {
+    std::string& to(Stream stream) {
         if (stream_ != stream) {
             flush();
             stream_ = stream;
@@ -51,7 +52,9 @@ private:
     }
 
     std::string buffer_;
-    int stream_ = standardOutput;
+    Stream stream_ = Stream::out;
+    int outFile_;
+    int errFile_;
     bool outFailed_ = false;
     bool errFailed_ = false;
 };

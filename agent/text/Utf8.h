@@ -2,6 +2,7 @@
 
 #include "pelo/Utf8.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,18 @@ using Pelo::printable;
 using Pelo::utf8At;
 using Pelo::Utf8Character;
 using Pelo::utf8Length;
+
+/// Whether the byte is a printable ASCII character, the blank included: as good as all that people
+/// and programs write, and a character of its own that is no control character.
+constexpr bool isPlain(char c) noexcept { return c >= ' ' && c <= '~'; }
+
+/// Where the plain characters that stand at `from` end.
+constexpr std::size_t plainEnd(std::string_view text, std::size_t from) noexcept {
+    while (from < text.size() && isPlain(text[from])) {
+        ++from;
+    }
+    return from;
+}
 
 /// `printable(text)` in double quotes, for messages.
 std::string inQuotes(std::string_view text);

@@ -71,5 +71,23 @@ TEST_F(OutputTest, KeepsWritingToTheStreamThatDidNotFail) {
     EXPECT_EQ(content("out"), "one\n");
 }
 
+TEST_F(OutputTest, WritesToTheFilesThatStandForTheStreams) {
+    become(STDOUT_FILENO, path("out"));
+    int const out = ::open(path("other out").c_str(), O_WRONLY | O_CREAT, 0600);
+    int const err = ::open(path("other err").c_str(), O_WRONLY | O_CREAT, 0600);
+    {
+        Output output(out, err);
+        output.out() += "one\n";
+        output.err() += "why\n";
+        output.out() += "two\n";
+    }
+    EXPECT_EQ(::close(out), 0); // it stayed open
+    EXPECT_EQ(::close(err), 0);
+    EXPECT_EQ(content("other out"), "one\ntwo\n");
+    EXPECT_EQ(content("other err"), "why\n");
+    EXPECT_EQ(content("out"), "");
+    EXPECT_EQ(content("err"), "");
+}
+
 } // namespace
 } // namespace VpAgent

@@ -111,6 +111,35 @@ TEST(Words, HoldNoBytesThatAreNotUtf8) {
               "a byte that is not UTF-8 (0xF4), expected printable text");
 }
 
+/// What comes of a word with this byte in its middle.
+std::string outcomeOf(std::string const& before, unsigned char byte) {
+    std::string const line = before + static_cast<char>(byte) + "b";
+    auto const [message, at, length] = refusalOf(line);
+    if (message != "not refused") {
+        EXPECT_EQ(at, before.size());
+        EXPECT_EQ(length, 1u);
+        return message.substr(0, message.find(" (0x"));
+    }
+    auto const words = wordsOf(line);
+    return words == Texts{line} ? "one word" : words == Texts{before} ? "a comment" : "two words";
+}
+
+TEST(Words, TakeEachByteInTheSameWayBehindAsciiAndBehindOtherLetters) {
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        std::string const expected =
+            byte == ' ' || byte == '\t' ? "two words"
+            : byte == '#'               ? "a comment"
+            : byte == '"'               ? "a quote inside a word, expected a blank before the quote"
+            : byte < 0x20 || byte == 0x7F ? "a control character"
+            : byte > 0x7F                 ? "a byte that is not UTF-8"
+                                          : "one word";
+        for (char const* const before : {"a", "Z\xC3\xBC", "Z\xC3\xBCrich"}) {
+            EXPECT_EQ(outcomeOf(before, static_cast<unsigned char>(byte)), expected)
+                << before << " and byte " << byte;
+        }
+    }
+}
+
 TEST(Words, KnowWhereAPartOfThemStands) {
     Words words;
     words.read(R"(put "a\"b:5000" Eth:7)");
