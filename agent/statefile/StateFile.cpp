@@ -57,7 +57,7 @@ bool StateFile::commit() {
         begin_.run();
         tracker_.writeTo(writer_);
         end_.run();
-    } catch (SqliteError const& error) {
+    } catch (std::runtime_error const& error) { // of SQLite, or `Damage`
         throw StateFileError("the state file " + inQuotes(name_) +
                              " cannot be written: " + printable(error.what()));
     }

@@ -9,7 +9,14 @@ Writer::Writer(Connection& connection, U64 firstPosition)
       records_(connection, connection, connection, connection, connection),
       nextPosition_(firstPosition) {}
 
+void Writer::checkRoom(U64 number) {
+    if (number >= Seal::bound) {
+        throw Damage("its numbers are used up");
+    }
+}
+
 void Writer::writeClient(ClientRow const& client, VornicCentral::VpIndexStatus const& status) {
+    checkRoom(client.id);
     RowWriter(clientTable(), clients_.write)
         .add(client.id)
         .add(client.name.view())

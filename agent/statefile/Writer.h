@@ -25,8 +25,12 @@ public:
     /// `firstPosition` is above all positions that stand in the file.
     Writer(Connection& connection, U64 firstPosition);
 
-    /// The next position; each is above all those before.
-    U64 nextPosition() noexcept { return nextPosition_++; }
+    /// The next position; each is above all those before. Throws `Damage` when there are no more,
+    /// which takes a file that this program has not written.
+    U64 nextPosition() {
+        checkRoom(nextPosition_);
+        return nextPosition_++;
+    }
 
     void writeClient(ClientRow const& client, VornicCentral::VpIndexStatus const& status);
     /// Erases the client and all that it requests and was given.
@@ -56,6 +60,8 @@ public:
     }
 
 private:
+    static void checkRoom(U64 number);
+
     struct Statements {
         Statements(Connection& connection, Table const& table)
             : write(connection, table.writeSql()), erase(connection, table.eraseSql()) {}
