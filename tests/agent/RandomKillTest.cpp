@@ -5,7 +5,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
+#include <iostream>
 #include <memory>
+#include <numeric>
 #include <optional>
 #include <random>
 #include <set>
@@ -249,10 +252,27 @@ protected:
     std::size_t answered_ = 0;
 };
 
+constexpr unsigned killsOfALife = 40;
+
+/// A number from the environment, so that a long run kills more often and at other moments.
+unsigned fromEnvironment(char const* name, unsigned otherwise) {
+    char const* const value = std::getenv(name);
+    return value == nullptr ? otherwise : static_cast<unsigned>(std::stoul(value));
+}
+
+/// VORNIC_KILL_SEED is the seed of the first life, and VORNIC_KILLS the number of kills in all
+/// lives, rounded up to whole lives; each life has a few more, early in its runs.
+std::vector<unsigned> seedsOfLives() {
+    unsigned const kills = fromEnvironment("VORNIC_KILLS", 8 * killsOfALife);
+    std::vector<unsigned> seeds((kills + killsOfALife - 1) / killsOfALife);
+    std::iota(seeds.begin(), seeds.end(), fromEnvironment("VORNIC_KILL_SEED", 1));
+    return seeds;
+}
+
 TEST_P(RandomKill, LosesNothingThatWasAcknowledged) {
-    constexpr int rounds = 40;
-    for (int round = 0; round < rounds; ++round) {
-        SCOPED_TRACE("round " + std::to_string(round));
+    unsigned kills = 0;
+    for (unsigned round = 0; round < killsOfALife; ++round) {
+        SCOPED_TRACE("seed " + std::to_string(GetParam()) + ", round " + std::to_string(round));
         auto run = nextRun();
         if (HasFatalFailure()) {
             return;
@@ -260,14 +280,17 @@ TEST_P(RandomKill, LosesNothingThatWasAcknowledged) {
         bool const early = chance_.oneIn(4);
         if (early) {
             run->kill();
+            ++kills;
             run = std::make_unique<KillableRun>(path());
         }
         sendAndKill(*run, early);
+        ++kills;
     }
     nextRun();
+    std::cout << kills << " kills\n";
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, RandomKill, testing::Range(1u, 9u));
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomKill, testing::ValuesIn(seedsOfLives()));
 
 } // namespace
 } // namespace VpAgentTest

@@ -24,8 +24,8 @@ struct Effort {
 
     U64 sequences; ///< of this run
     U64 firstSeed = usualSeed;
-    std::size_t fewestSteps = 100;
-    std::size_t mostSteps = 140;
+    std::size_t fewestSteps = 36; ///< so that the usual run costs a minute under sanitizers
+    std::size_t mostSteps = 52;
 
     /// `percent` of all sequences, at least one.
     static Effort share(U64 percent);

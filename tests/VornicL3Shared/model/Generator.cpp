@@ -12,6 +12,7 @@ class Generator {
 public:
     Generator(Flavour const& flavour, U64 seed) : flavour_(flavour), engine_(seed) {
         sequence_.watched = oneIn(2);
+        sequence_.generic = oneIn(3);
         clients_ = 1 + below(flavour.hostileIndices ? clientNames().size() : 4);
         keys_ = 1 + below(keysPerKind);
         for (auto const& [verb, weight] : flavour.weights) {
@@ -46,7 +47,8 @@ private:
 Settings Generator::drawnSettings() {
     U32 const range = flavour_.largestTable - flavour_.smallestTable + 1;
     tableSize_ = flavour_.smallestTable + static_cast<U32>(below(range));
-    return {tableSize_, !oneIn(4), oneIn(2), oneIn(2)};
+    return {tableSize_, !oneIn(4), oneIn(2),
+            oneIn(2),   !oneIn(8), !(flavour_.hostileIndices && oneIn(16))};
 }
 
 /// An index, mostly one that an allocation could give. `wide` ones may have more than sixteen bits.
@@ -77,10 +79,13 @@ Operation Generator::drawn(Verb verb) {
     Operation operation;
     operation.verb = verb;
     operation.client = clientNames()[below(clients_)];
+    operation.other = clientNames()[below(clients_)];
     operation.kind = fixedOrder[below(kindCount)];
     operation.key = below(keys_);
     operation.flag = oneIn(2);
     operation.number = drawnIndex(wide);
+    operation.variant = static_cast<Variant>(below(variantCount));
+    operation.counter = static_cast<Counter>(below(counterCount));
     for (U64 names = below(4); names > 0; --names) {
         operation.names.push_back(clientNames()[below(clientNames().size())]);
     }
@@ -90,7 +95,9 @@ Operation Generator::drawn(Verb verb) {
         operation.number = static_cast<U32>(below(2));
         operation.size = oneIn(2) ? tableSize_ : static_cast<U32>(below(40));
         operation.flag = oneIn(4);
-    } else if (verb == Verb::clientRemoteRef) {
+    } else if (verb == Verb::putCounter && oneIn(2)) {
+        operation.number = ~operation.number; // the counter is about to start again at 0
+    } else if (verb >= Verb::clientRemoteRef) {
         operation.kind = operation.flag ? Kind::mlag : Kind::remote;
     }
     return operation;

@@ -14,10 +14,13 @@ class LibraryKeys {
 public:
     LibraryKeys() {
         for (Key key = 0; key < keysPerKind; ++key) {
-            add<VornicCentral::RemoteVport>(Kind::remote, key);
-            add<VornicCentral::EdgeVport>(Kind::edge, key);
-            add<VornicCentral::VlanVport>(Kind::vlan, key);
-            add<VornicCentral::EFilterDisableVport>(Kind::efilter, key);
+            // Names and numbers that the text forms do not take are keys as well.
+            KeyText const& edge = keyText(Kind::edge, key);
+            Netzo::IntfId const port(edge.intf);
+            add(Test::keyOf<VornicCentral::RemoteVtepKey>(keyText(Kind::remote, key).text));
+            add(VornicCentral::PortVlanKey(port, vlanOf(edge)));
+            add(vlanOf(keyText(Kind::vlan, key)));
+            add(Netzo::IntfId(keyText(Kind::efilter, key).intf));
         }
     }
 
@@ -26,10 +29,11 @@ public:
     }
 
 private:
-    template <class K> void add(Kind kind, Key key) {
-        using LibraryKey = typename K::Key;
-        std::get<std::vector<LibraryKey>>(keys_).push_back(
-            Test::keyOf<LibraryKey>(keyText(kind, key).text));
+    static Bridging::VlanId vlanOf(KeyText const& text) {
+        return Bridging::VlanId(static_cast<U16>(std::stoul(text.vlan)));
+    }
+    template <class LibraryKey> void add(LibraryKey key) {
+        std::get<std::vector<LibraryKey>>(keys_).push_back(std::move(key));
     }
 
     std::tuple<std::vector<VornicCentral::RemoteVtepKey>, std::vector<VornicCentral::PortVlanKey>,

@@ -6,6 +6,7 @@
 namespace ModelTest {
 
 struct Operation;
+enum class Variant;
 
 /// The ways in which a call ends other than by returning.
 struct Stop { ///< a failed assertion
@@ -70,30 +71,44 @@ private:
     // The records: every change is told to whoever listens.
     void referenceIs(Kind kind, Key key, Reference const& value);
     void referenceDel(Kind kind, Key key);
-    void waitingIs(Kind kind, Key key);
+    void waitingIs(Kind kind, Key key, Flag value);
     void waitingDel(Kind kind, Key key);
     void bootIs(Kind kind, Key key, VPort value);
     void bootDel(Kind kind, Key key);
     void statusIs(RecordId id, Kind kind, Key key, VPort value);
     void statusDel(RecordId id, Kind kind, Key key);
     void counterIs(RecordId id, U32 Status::*counter, U32 value);
+    void configIs(RecordId id, Kind kind, Key key, Flag value);
+    void configDel(RecordId id, Kind kind, Key key);
     void configChanged(RecordId id, Kind kind, Key key);
     void configDirIs(std::string const& name, RecordId id);
     void configDirDel(std::string const& name);
+    void statusDirIs(std::string const& name, RecordId id);
+    void statusDirDel(std::string const& name);
+    void directoryChanged(char const* directory, std::string const& name, std::string const& to);
     template <class Handler> void react(Handler&& handler);
 
     // The agent around the library.
+    bool applies(Variant variant, Operation const& operation) const;
     void clientAdd(std::string const& name);
     void clientRetire(std::string const& name);
     RecordId newConfig(std::string const& name);
     RecordId newStatus(std::string const& name);
     void saveBoot();
-    bool agentOperation(Operation const& operation);
+    std::string look(Operation const& operation);
+    RecordId ownConfig(std::string const& name) const { return state_.ownConfig.get(name); }
+    RecordId statusOf(std::string const& name) const { return state_.statusDir.get(name); }
+    bool directoryOperation(Operation const& operation);
+    bool requestOperation(Operation const& operation);
     bool recordOperation(Operation const& operation);
+    bool statusOperation(Operation const& operation);
+    bool clearOperation(Operation const& operation);
     bool lifeOperation(Operation const& operation);
     std::string call(Operation const& operation);
     std::string poolCall(Operation const& operation);
+    std::string callAllocatorIs(Operation const& operation);
     std::string callClient(Operation const& operation);
+    std::string callRemoteHelper(Operation const& operation, Client client);
 
     // The pool.
     std::vector<bool>& bits() { return state_.machine->pool->bits; }
@@ -111,7 +126,8 @@ private:
     void handleInitialized();
     void handleVpIndexConfig();
     void handleVpIndexConfig(std::string const& name);
-    void vpIndexAllocatorIs(RecordId config, RecordId status);
+    void vpIndexAllocatorIs(RecordId config, RecordId status, bool vfiForwarding);
+    bool configured(std::string const& name);
     void vpIndexAllocatorDel(std::string const& name);
     void reactorsOn(bool active);
 
@@ -154,6 +170,7 @@ private:
     void verifyReference(Kind kind, Key key);
 
     State state_;
+    std::string result_; ///< of an operation on the records
     Journal journal_;
     Beliefs beliefs_;
     bool watched_;

@@ -1,74 +1,8 @@
 #include "VornicL3Shared/model/Model.h"
 #include "VornicL3Shared/model/Operation.h"
 
-/// The operations on the records and the calls, as the model carries them out.
+/// The life of the state machine and the calls of operations, as the model carries them out.
 namespace ModelTest {
-namespace {
-
-Reference referenceOf(Operation const& operation) {
-    Reference reference{{operation.number}, {}};
-    for (std::string const& name : operation.names) {
-        reference.add(name);
-    }
-    return reference;
-}
-
-} // namespace
-
-bool Model::recordOperation(Operation const& operation) {
-    Kind const kind = operation.kind;
-    Key const key = operation.key;
-    auto const status = [&] { return state_.statusDir.get(operation.client); };
-    switch (operation.verb) {
-    case Verb::putReference:
-        referenceIs(kind, key, referenceOf(operation));
-        return true;
-    case Verb::dropReference:
-        referenceDel(kind, key);
-        return true;
-    case Verb::putStatus:
-        statusIs(status(), kind, key, {operation.number});
-        return true;
-    case Verb::dropStatus:
-        statusDel(status(), kind, key);
-        return true;
-    case Verb::putTableSize:
-        counterIs(status(), &Status::size, operation.number);
-        return true;
-    case Verb::putWaiting:
-        waitingIs(kind, key);
-        return true;
-    case Verb::dropWaiting:
-        waitingDel(kind, key);
-        return true;
-    case Verb::putBoot:
-        bootIs(kind, key, {operation.number});
-        return true;
-    case Verb::dropBoot:
-        bootDel(kind, key);
-        return true;
-    case Verb::saveBoot:
-        saveBoot();
-        return true;
-    default:
-        break;
-    }
-    if (operation.verb != Verb::clearReferences && operation.verb != Verb::clearWaiting &&
-        operation.verb != Verb::clearBoot) {
-        return false;
-    }
-    for (Kind const each : fixedOrder) {
-        if (operation.verb == Verb::clearReferences) {
-            state_.references[each].walk([&](Key member) { referenceDel(each, member); });
-        } else if (operation.verb == Verb::clearWaiting) {
-            state_.waiting[each].walk([&](Key member) { waitingDel(each, member); });
-        } else {
-            state_.boot[each].walk([&](Key member) { bootDel(each, member); });
-        }
-    }
-    return true;
-}
-
 bool Model::lifeOperation(Operation const& operation) {
     switch (operation.verb) {
     case Verb::start:
@@ -152,9 +86,42 @@ std::string Model::call(Operation const& operation) {
     case Verb::clearStale:
         clearStaleEntries();
         return "";
+    case Verb::allocatorIs:
+        return callAllocatorIs(operation);
     default:
         return poolCall(operation);
     }
+}
+
+/// A null config is refused first. A null state machine is refused both where an allocator would
+/// be made and where one is there, and so is what that one was not made with.
+std::string Model::callAllocatorIs(Operation const& operation) {
+    std::string const& name = operation.client;
+    bool vfiForwarding = machine().settings.vfiForwarding;
+    switch (operation.variant) {
+    case Variant::withoutConfig:
+        throw Refused{"vpIndexConfig"};
+    case Variant::withoutStateMachine:
+        throw Refused{"vpIndexAllocatorDirSm"};
+    case Variant::withoutStatus:
+    case Variant::withoutReferences:
+        if (machine().allocator(name)->client.config != ownConfig(name)) {
+            throw Refused{"vpIndexConfig"};
+        }
+        if (operation.variant == Variant::withoutStatus ||
+            machine().allocator(name)->client.status != statusOf(name)) {
+            throw Refused{"vpIndexStatus"};
+        }
+        throw Refused{"vpReference"};
+    case Variant::otherSwitch:
+        vfiForwarding = !vfiForwarding;
+        break;
+    default:
+        break;
+    }
+    bool const others = operation.variant == Variant::statusOfOther;
+    vpIndexAllocatorIs(ownConfig(name), statusOf(others ? operation.other : name), vfiForwarding);
+    return name;
 }
 
 std::string Model::callClient(Operation const& operation) {
@@ -172,16 +139,47 @@ std::string Model::callClient(Operation const& operation) {
     case Verb::clientVerify:
         verifyClient(client);
         return "";
+    case Verb::clientVerifyKind:
+        verifyClientKind(client, operation.kind);
+        return "";
     case Verb::clientAllocStats:
         verifyAndUpdateAllocStats(client, operation.number);
         return "";
     case Verb::clientFreeStats:
         updateFreeStats(client, operation.number);
         return "";
-    default: {
-        Kind const kind = operation.flag ? Kind::mlag : Kind::remote;
-        return valueText(getRemoteVportRef(kind, operation.key));
+    default:
+        return callRemoteHelper(operation, client);
     }
+}
+
+std::string Model::callRemoteHelper(Operation const& operation, Client client) {
+    Kind const kind = operation.flag ? Kind::mlag : Kind::remote;
+    Key const key = operation.key;
+    switch (operation.verb) {
+    case Verb::clientRemoteRef:
+        return valueText(getRemoteVportRef(kind, key));
+    case Verb::clientRemoteCommon:
+        handleRemoteCommon(client, kind, key);
+        return "";
+    case Verb::clientRemoteReferenced:
+        return state_.references[kind].has(key) ? "true" : "false";
+    case Verb::clientRemoteRequested:
+        return requested(client, kind, key) ? "true" : "false";
+    case Verb::clientRemoteIndex:
+        return std::to_string(state_.statuses[client.status].vports[kind].get(key).index);
+    case Verb::clientRemoteToStatus:
+        statusIs(client.status, kind, key, {operation.number});
+        return "";
+    case Verb::clientRemoteToReference:
+        referenceIs(kind, key, referenceOf(operation));
+        return "";
+    case Verb::clientRemoteFromReference:
+        referenceDel(kind, key);
+        return "";
+    default:
+        statusDel(client.status, kind, key);
+        return "";
     }
 }
 

@@ -6,7 +6,12 @@ namespace ModelTest {
 void Model::start(Settings const& settings) {
     state_.machine.emplace();
     machine().settings = settings;
-    handleInitialized();
+    try {
+        handleInitialized();
+    } catch (Refused const&) { // no half-built state machine survives
+        state_.machine.reset();
+        throw;
+    }
     machine().active = true;
 }
 
@@ -22,21 +27,29 @@ void Model::handleInitialized() {
 }
 
 void Model::handleVpIndexConfig() {
-    state_.configDir.walk([&](std::string const& name) { handleVpIndexConfig(name); });
+    if (machine().settings.configDir) {
+        state_.configDir.walk([&](std::string const& name) { handleVpIndexConfig(name); });
+    }
+}
+
+/// Whether the state machine finds a config of that name.
+bool Model::configured(std::string const& name) {
+    return machine().settings.configDir && state_.configDir.has(name);
 }
 
 void Model::handleVpIndexConfig(std::string const& name) {
     trace(1, "handleVpIndexConfig", ", Name ", name);
-    if (!state_.configDir.has(name)) {
+    if (!configured(name)) {
         trace(1, "handleVpIndexConfig", ", Name ", name, " ignore deletes");
         return;
     }
     check(state_.statusDir.has(name), "vpIndexStatusDir()->vpIndexStatusHas( name )",
           "void VornicCentral::VpIndexAllocatorDirSm::handleVpIndexConfig(const String&)");
-    vpIndexAllocatorIs(state_.configDir.get(name), state_.statusDir.get(name));
+    vpIndexAllocatorIs(state_.configDir.get(name), state_.statusDir.get(name),
+                       machine().settings.vfiForwarding);
 }
 
-void Model::vpIndexAllocatorIs(RecordId config, RecordId status) {
+void Model::vpIndexAllocatorIs(RecordId config, RecordId status, bool vfiForwarding) {
     std::string const name = state_.configs[config].name;
     if (Allocator const* const there = machine().allocator(name)) {
         if (there->client.config != config) {
@@ -45,11 +58,14 @@ void Model::vpIndexAllocatorIs(RecordId config, RecordId status) {
         if (there->client.status != status) {
             throw Refused{"vpIndexStatus"};
         }
+        if (there->vfiForwarding != vfiForwarding) {
+            throw Refused{"vfiForwarding"};
+        }
         return;
     }
     Client const client{config, status};
     handleClientInitialized(client);
-    machine().allocators.emplace_back(name, Allocator{client});
+    machine().allocators.emplace_back(name, Allocator{client, vfiForwarding});
 }
 
 void Model::vpIndexAllocatorDel(std::string const& name) {

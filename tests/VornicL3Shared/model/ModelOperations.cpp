@@ -1,10 +1,19 @@
 #include "VornicL3Shared/model/Model.h"
 #include "VornicL3Shared/model/Operation.h"
 
-#include <algorithm>
-
-/// The operations as the model carries them out.
+/// The agent around the library, and when an operation can be carried out.
 namespace ModelTest {
+namespace {
+
+/// What a removal from a directory returns: the record of that name, or nothing.
+template <class R>
+std::string removedText(Members<std::string, RecordId> const& directory,
+                        std::vector<R> const& records, std::string const& name) {
+    RecordId const* const id = directory.find(name);
+    return id == nullptr ? "none" : "removed " + records[*id].name;
+}
+
+} // namespace
 
 RecordId Model::newConfig(std::string const& name) {
     state_.configs.push_back(Config{name, {}});
@@ -22,26 +31,22 @@ RecordId Model::newStatus(std::string const& name) {
 /// The status first, so that the name has one when its config appears.
 void Model::clientAdd(std::string const& name) {
     if (!state_.statusDir.has(name)) {
-        state_.statusDir.is(name, newStatus(name));
+        statusDirIs(name, newStatus(name));
     }
     bool const known = state_.ownConfig.has(name);
-    configDirIs(name, known ? state_.ownConfig.get(name) : newConfig(name));
+    configDirIs(name, known ? ownConfig(name) : newConfig(name));
 }
 
 void Model::clientRetire(std::string const& name) {
-    RecordId const config = state_.ownConfig.get(name);
+    RecordId const config = ownConfig(name);
     for (Kind const kind : fixedOrder) {
-        auto const keys = state_.configs[config].keys[kind];
-        for (auto const& [key, present] : keys) {
-            state_.configs[config].keys[kind].del(key);
-            configChanged(config, kind, key);
-        }
+        state_.configs[config].keys[kind].walk([&](Key key) { configDel(config, kind, key); });
     }
     configDirDel(name);
     if (running()) {
         vpIndexAllocatorDel(name);
     }
-    state_.statusDir.del(name);
+    statusDirDel(name);
     state_.ownConfig.del(name);
 }
 
@@ -58,46 +63,67 @@ void Model::saveBoot() {
 
 bool Model::applies(Operation const& operation) const {
     std::string const& name = operation.client;
-    bool const allocator =
-        running() &&
-        std::any_of(state_.machine->allocators.begin(), state_.machine->allocators.end(),
-                    [&](auto const& each) { return each.first == name; });
     switch (operation.verb) {
     case Verb::clientRetire:
     case Verb::request:
     case Verb::withdraw:
+    case Verb::putRequest:
+    case Verb::withdrawAll:
         return state_.ownConfig.has(name);
     case Verb::configReplace:
         return state_.configDir.has(name);
+    case Verb::configAlias:
+        return state_.ownConfig.has(operation.other);
+    case Verb::statusAlias:
+        return state_.statusDir.has(operation.other);
     case Verb::statusReplace:
     case Verb::putStatus:
     case Verb::dropStatus:
+    case Verb::clearStatus:
     case Verb::putTableSize:
+    case Verb::putCounter:
+    case Verb::addToCounter:
         return state_.statusDir.has(name);
+    case Verb::allocatorIs:
+        return running() && applies(operation.variant, operation);
     default:
         break;
     }
     if (operation.verb >= Verb::clientKeyed || operation.verb == Verb::clientReactors ||
         operation.verb == Verb::clientZombie) {
-        return allocator;
+        return running() && state_.machine->allocatorHas(name);
     }
     return operation.verb < Verb::restart || running();
 }
 
+/// An allocator without status or references could not serve a single request, so those two are
+/// offered only where an allocator is there already and they are refused.
+bool Model::applies(Variant variant, Operation const& operation) const {
+    std::string const& name = operation.client;
+    bool const refused = variant == Variant::withoutStatus || variant == Variant::withoutReferences;
+    std::string const& status = variant == Variant::statusOfOther ? operation.other : name;
+    return state_.ownConfig.has(name) && state_.statusDir.has(status) &&
+           (!refused || state_.machine->allocatorHas(name));
+}
+
 std::string Model::apply(Operation const& operation) {
-    if (agentOperation(operation) || recordOperation(operation) || lifeOperation(operation)) {
-        return "";
+    result_.clear();
+    if (directoryOperation(operation) || requestOperation(operation) ||
+        recordOperation(operation) || statusOperation(operation) || clearOperation(operation) ||
+        lifeOperation(operation)) {
+        return result_;
     }
     return operation.verb >= Verb::clientKeyed ? callClient(operation) : call(operation);
 }
 
-bool Model::agentOperation(Operation const& operation) {
+bool Model::directoryOperation(Operation const& operation) {
     std::string const& name = operation.client;
     switch (operation.verb) {
     case Verb::clientAdd:
         clientAdd(name);
         return true;
     case Verb::clientRemove:
+        result_ = removedText(state_.configDir, state_.configs, name);
         configDirDel(name);
         return true;
     case Verb::clientRetire:
@@ -106,22 +132,31 @@ bool Model::agentOperation(Operation const& operation) {
     case Verb::configReplace:
         configDirIs(name, newConfig(name));
         return true;
+    case Verb::configNull:
+        configDirDel(name);
+        return true;
+    case Verb::configAlias:
+        configDirIs(name, ownConfig(operation.other));
+        return true;
+    case Verb::configClear:
+        state_.configDir.walk([&](std::string const& each) { configDirDel(each); });
+        return true;
     case Verb::statusReplace:
-        state_.statusDir.is(name, newStatus(name));
+        statusDirIs(name, newStatus(name));
         return true;
     case Verb::statusRemove:
-        state_.statusDir.del(name);
+        result_ = removedText(state_.statusDir, state_.statuses, name);
+        statusDirDel(name);
         return true;
-    case Verb::request:
-    case Verb::withdraw: {
-        RecordId const config = state_.ownConfig.get(name);
-        auto& keys = state_.configs[config].keys[operation.kind];
-        if (operation.verb == Verb::request ? keys.is(operation.key, {})
-                                            : keys.del(operation.key)) {
-            configChanged(config, operation.kind, operation.key);
-        }
+    case Verb::statusNull:
+        statusDirDel(name);
         return true;
-    }
+    case Verb::statusAlias:
+        statusDirIs(name, statusOf(operation.other));
+        return true;
+    case Verb::statusClear:
+        state_.statusDir.walk([&](std::string const& each) { statusDirDel(each); });
+        return true;
     default:
         return false;
     }

@@ -58,9 +58,9 @@ void Model::referenceDel(Kind kind, Key key) {
     }
 }
 
-void Model::waitingIs(Kind kind, Key key) {
-    if (state_.waiting[kind].is(key, {})) {
-        changed("waiting", kind, key, Present());
+void Model::waitingIs(Kind kind, Key key, Flag value) {
+    if (state_.waiting[kind].is(key, value)) {
+        changed("waiting", kind, key, value);
     }
 }
 
@@ -109,6 +109,20 @@ void Model::counterIs(RecordId id, U32 Status::*counter, U32 value) {
     }
 }
 
+void Model::configIs(RecordId id, Kind kind, Key key, Flag value) {
+    if (state_.configs[id].keys[kind].is(key, value)) {
+        changed("config " + state_.configs[id].name, kind, key, value);
+        configChanged(id, kind, key);
+    }
+}
+
+void Model::configDel(RecordId id, Kind kind, Key key) {
+    if (state_.configs[id].keys[kind].del(key)) {
+        deleted("config " + state_.configs[id].name, kind, key);
+        configChanged(id, kind, key);
+    }
+}
+
 /// Tells the allocator that watches this config, if there is one.
 void Model::configChanged(RecordId id, Kind kind, Key key) {
     if (!running()) {
@@ -123,15 +137,42 @@ void Model::configChanged(RecordId id, Kind kind, Key key) {
     }
 }
 
+void Model::directoryChanged(char const* directory, std::string const& name,
+                             std::string const& to) {
+    if (watched_) {
+        journal_.line("changed ", directory, " ", name, to);
+    }
+}
+
 void Model::configDirIs(std::string const& name, RecordId id) {
-    if (state_.configDir.is(name, id) && running() && machine().subscribed && !machine().zombie) {
+    if (!state_.configDir.is(name, id)) {
+        return;
+    }
+    directoryChanged("configs", name, "=" + state_.configs[id].name);
+    if (running() && machine().settings.configDir && machine().subscribed && !machine().zombie) {
         react([&] { handleVpIndexConfig(name); });
     }
 }
 
 void Model::configDirDel(std::string const& name) {
-    if (state_.configDir.del(name) && running() && machine().subscribed && !machine().zombie) {
+    if (!state_.configDir.del(name)) {
+        return;
+    }
+    directoryChanged("configs", name, " deleted");
+    if (running() && machine().settings.configDir && machine().subscribed && !machine().zombie) {
         react([&] { handleVpIndexConfig(name); });
+    }
+}
+
+void Model::statusDirIs(std::string const& name, RecordId id) {
+    if (state_.statusDir.is(name, id)) {
+        directoryChanged("statuses", name, "=" + state_.statuses[id].name);
+    }
+}
+
+void Model::statusDirDel(std::string const& name) {
+    if (state_.statusDir.del(name)) {
+        directoryChanged("statuses", name, " deleted");
     }
 }
 

@@ -46,7 +46,8 @@ void Model::addRemote(Client client, Kind kind, Key key, Reference reference) {
         trace(5, "handleRemoteVportCommon", tag, ": existing vport found");
         vPort = reference.vPort;
     } else {
-        bool const preferHigh = kind == Kind::mlag || !machine().settings.remoteLow;
+        bool const preferHigh =
+            kind == Kind::mlag || !machine().settings.capabilities || !machine().settings.remoteLow;
         trace(5, "handleRemoteVportCommon", tag, ": allocating vp index for vtep: ", text.vtep);
         vPort = allocate(client, kind, key, preferHigh);
         reference.vPort = vPort;

@@ -51,7 +51,9 @@ void Model::reconcile() {
             state_.boot[kind].walk([&](Key key) { recoverBootEntry(kind, key); });
         }
     }
-    state_.configDir.walk([&](std::string const& name) { cleanUpStatus(name); });
+    if (machine().settings.configDir) {
+        state_.configDir.walk([&](std::string const& name) { cleanUpStatus(name); });
+    }
 }
 
 void Model::recoverReference(Kind kind, Key key) {
@@ -62,7 +64,7 @@ void Model::recoverReference(Kind kind, Key key) {
           restartWords(kind).recoveredKey, keyText(kind, key).text);
     referenceIs(kind, key, reference);
     if (machine().settings.reallocation && reference.vPort.index == invalidIndex) {
-        waitingIs(kind, key);
+        waitingIs(kind, key, {true});
     }
 }
 
@@ -83,7 +85,7 @@ void Model::recoverBootEntry(Kind kind, Key key) {
           restartWords(kind).recoveredKey, text);
     referenceIs(kind, key, Reference{vPort, {}});
     if (machine().settings.reallocation && vPort.index == invalidIndex) {
-        waitingIs(kind, key);
+        waitingIs(kind, key, {true});
     }
 }
 

@@ -31,4 +31,9 @@ Allocator* Machine::allocator(std::string const& name) {
     return nullptr;
 }
 
+bool Machine::allocatorHas(std::string const& name) const {
+    return std::any_of(allocators.begin(), allocators.end(),
+                       [&](auto const& each) { return each.first == name; });
+}
+
 } // namespace ModelTest

@@ -32,8 +32,11 @@ template <class V> struct Record {
     }
 };
 
-struct Present {
-    friend bool operator==(Present, Present) { return true; }
+/// The value of a key that is requested or waits. Whatever it is, only that the key is there
+/// counts.
+struct Flag {
+    bool on = false;
+    friend bool operator==(Flag, Flag) = default;
 };
 
 /// The index 65535 is the invalid one.
@@ -55,7 +58,7 @@ struct Reference {
 
 struct Config {
     std::string name;
-    Record<Present> keys;
+    Record<Flag> keys;
 };
 
 struct Status {
@@ -78,6 +81,7 @@ struct Client {
 
 struct Allocator {
     Client client;
+    bool vfiForwarding = false;
     bool active = true;
     bool zombie = false;
 };
@@ -87,6 +91,8 @@ struct Settings {
     bool reallocation = false;
     bool remoteLow = false;
     bool vfiForwarding = false;
+    bool capabilities = true; ///< whether there is such a record
+    bool configDir = true;    ///< whether there is one
 };
 
 struct Pool {
@@ -106,6 +112,7 @@ struct Machine {
     bool initialized = false;
 
     Allocator* allocator(std::string const& name);
+    bool allocatorHas(std::string const& name) const;
 };
 
 struct State {
@@ -116,7 +123,7 @@ struct State {
     /// The config that a client writes to, in the directory or not.
     Members<std::string, RecordId> ownConfig;
     Record<Reference> references;
-    Record<Present> waiting;
+    Record<Flag> waiting;
     Record<VPort> boot;
     std::optional<Machine> machine;
 };
@@ -125,7 +132,7 @@ struct State {
 std::string textOf(State const& state);
 
 /// A member's value in that form, as `=15[bgp mlag]`.
-std::string valueText(Present value);
+std::string valueText(Flag value);
 std::string valueText(VPort value);
 std::string valueText(Reference const& value);
 

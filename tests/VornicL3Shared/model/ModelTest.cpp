@@ -20,11 +20,11 @@ void expectAgreement(Flavour const& flavour, U64 percent) {
 
 TEST(Model, AgreesOnPoliteClients) { expectAgreement(politeClients(), 25); }
 
-TEST(Model, AgreesOnFullTables) { expectAgreement(fullTables(), 25); }
+TEST(Model, AgreesOnFullTables) { expectAgreement(fullTables(), 20); }
 
-TEST(Model, AgreesOnARestartAfterEveryStep) { expectAgreement(restartEachStep(), 15); }
+TEST(Model, AgreesOnARestartAfterEveryStep) { expectAgreement(restartEachStep(), 10); }
 
-TEST(Model, AgreesOnDirectCalls) { expectAgreement(directCalls(), 15); }
+TEST(Model, AgreesOnDirectCalls) { expectAgreement(directCalls(), 20); }
 
 TEST(Model, AgreesOnHostileRecords) { expectAgreement(hostileRecords(), 20); }
 

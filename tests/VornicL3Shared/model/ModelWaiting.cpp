@@ -55,7 +55,7 @@ void Model::handleInvalid(Kind kind, Key key) {
     trace(5, handler, tag, " vport addition/modification for: ", index);
     if (index == invalidIndex) {
         trace(5, handler, tag, " vport added : ", index);
-        waitingIs(kind, key);
+        waitingIs(kind, key, {true});
     } else {
         trace(5, handler, tag, " vport deleted : ", index);
         waitingDel(kind, key);
@@ -116,7 +116,7 @@ bool Model::recycleTo(Kind kind, VPort vp) {
 void Model::handOver(Kind kind, Key key, std::string const& name, VPort vp) {
     char const* const function =
         "void VornicCentral::VpIndexAllocatorDirSm::recycleOrFreeVpIndex(U32)";
-    check(state_.configDir.has(name), "!!vpIndexConfig", function);
+    check(configured(name), "!!vpIndexConfig", function);
     check(state_.statusDir.has(name), "!!vpIndexStatus", function);
     RecycleWords const& words = recycleWords(kind);
     check(state_.configs[state_.configDir.get(name)].keys[kind].has(key), words.missing, function);

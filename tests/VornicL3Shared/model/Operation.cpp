@@ -22,7 +22,19 @@ std::string typeOf(Kind kind) {
 }
 
 std::string word(std::string const& text) {
-    return text.find(' ') == std::string::npos ? text : '"' + text + '"';
+    return text.empty() || text.find(' ') != std::string::npos ? '"' + text + '"' : text;
+}
+
+std::string wordOf(Variant variant) {
+    static std::array<char const*, variantCount> const words = {
+        "in-order",           "without-config", "without-state-machine", "without-status",
+        "without-references", "other-switch",   "status-of-other"};
+    return words.at(static_cast<std::size_t>(variant));
+}
+
+std::string wordOf(Counter counter) {
+    static std::array<char const*, counterCount> const words = {"requests", "failures", "frees"};
+    return words.at(static_cast<std::size_t>(counter));
 }
 
 std::string textOf(Settings const& settings) {
@@ -30,12 +42,23 @@ std::string textOf(Settings const& settings) {
     return "table-size=" + std::to_string(settings.tableSize) +
            " reallocation=" + onOff(settings.reallocation) +
            " remote-low=" + onOff(settings.remoteLow) +
-           " vfi-forwarding=" + onOff(settings.vfiForwarding);
+           " vfi-forwarding=" + onOff(settings.vfiForwarding) +
+           (settings.capabilities ? "" : " without-capabilities") +
+           (settings.configDir ? "" : " without-config-dir");
 }
 
 std::string operandOf(Operation const& operation, std::string_view name) {
     if (name == "client") {
-        return operation.client;
+        return word(operation.client);
+    }
+    if (name == "other") {
+        return word(operation.other);
+    }
+    if (name == "variant") {
+        return wordOf(operation.variant);
+    }
+    if (name == "counter") {
+        return wordOf(operation.counter);
     }
     if (name == "kind") {
         return wordOf(operation.kind);
@@ -60,12 +83,20 @@ std::string operandOf(Operation const& operation, std::string_view name) {
     }
     std::string text; // names
     for (std::string const& each : operation.names) {
-        text += " " + each;
+        text += " " + word(each);
     }
     return text;
 }
 
 } // namespace
+
+Reference referenceOf(Operation const& operation) {
+    Reference reference{{operation.number}, {}};
+    for (std::string const& name : operation.names) {
+        reference.add(name);
+    }
+    return reference;
+}
 
 std::string textOf(Operation const& operation) {
     std::string text;

@@ -32,7 +32,7 @@ public:
         : sequence_(sequence),
           tally_(tally),
           model_(sequence.watched, beliefs),
-          subject_(sequence.watched) {}
+          subject_(sequence.watched, sequence.generic) {}
 
     std::optional<Mismatch> all();
 
@@ -222,6 +222,7 @@ std::optional<Mismatch> runInChild(Sequence const& sequence, Beliefs const& beli
 
 std::string scriptOf(Sequence const& sequence) {
     std::string script = sequence.watched ? "# the records are watched\n" : "";
+    script += sequence.generic ? "# through generic access\n" : "";
     for (std::size_t at = 0; at < sequence.steps.size(); ++at) {
         script += textOf(sequence.steps[at]) + "  # " + std::to_string(at) + "\n";
     }

@@ -11,6 +11,7 @@ namespace ModelTest {
 /// Operations to be carried out one after the other in a world that begins empty.
 struct Sequence {
     bool watched = false; ///< whether others listen to the records
+    bool generic = false; ///< whether records and operations are reached through generic access
     std::vector<Operation> steps;
 };
 
@@ -33,7 +34,7 @@ struct Tally {
     /// of each text are, and then some.
     bool tries(std::string const& stop) {
         U64 const before = met[stop]++;
-        return before < 10 || before % 20 == 0;
+        return before < 3 || before % 50 == 0;
     }
 };
 

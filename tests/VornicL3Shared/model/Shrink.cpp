@@ -39,6 +39,7 @@ bool adopt(Sequence& failing, Sequence candidate, Fails const& fails) {
 void renameClient(Sequence& sequence, std::string const& from, std::string const& to) {
     for (Operation& step : sequence.steps) {
         step.client = step.client == from ? to : step.client;
+        step.other = step.other == from ? to : step.other;
         std::replace(step.names.begin(), step.names.end(), from, to);
     }
 }
@@ -71,6 +72,9 @@ void shrinkTables(Sequence& failing, Fails const& fails) {
 void simplify(Sequence& failing, Fails const& fails) {
     Sequence candidate = failing;
     candidate.watched = false;
+    adopt(failing, std::move(candidate), fails);
+    candidate = failing;
+    candidate.generic = false;
     adopt(failing, std::move(candidate), fails);
     mergeClients(failing, fails);
     shrinkTables(failing, fails);

@@ -44,12 +44,12 @@ void append(std::string& text, Status const& status) {
 
 } // namespace
 
-std::string valueText(Present) { return ""; }
+std::string valueText(Flag) { return ""; }
 std::string valueText(VPort value) { return "=" + std::to_string(value.index); }
 std::string valueText(Reference const& value) {
     std::string text = valueText(value.vPort) + "[";
-    for (std::size_t at = 0; at < value.names.size(); ++at) {
-        text += (at == 0 ? "" : " ") + value.names[at];
+    for (std::string const& name : value.names) {
+        text += (text.back() == '[' ? "" : " ") + name; // as the tests print it, a name or none
     }
     return text + "]";
 }

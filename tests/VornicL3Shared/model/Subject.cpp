@@ -37,17 +37,25 @@ std::string counterText(Qor::Entity const&, Pelo::FieldId field) {
 
 } // namespace
 
+VornicCentral::VpReference libraryReference(Operation const& operation) {
+    VornicCentral::VpReference reference(
+        VornicCentral::VirtualPort(static_cast<U16>(operation.number)));
+    for (std::string const& name : operation.names) {
+        reference.referenceIs(Pelo::String(name), true);
+    }
+    return reference;
+}
+
 std::string referenceText(VornicCentral::VpReference const& reference) {
     std::string text = "=" + std::to_string(reference.vPort().vpIndex()) + "[";
-    char const* separator = "";
     for (auto const& name : reference.references()) {
-        text += separator + std::string(name.view());
-        separator = " ";
+        text += (text.back() == '[' ? "" : " ") + std::string(name.view());
     }
     return text + "]";
 }
 
-Subject::Subject(bool watched) : world_(Test::Settings{.ringSize = smallRing}), watched_(watched) {
+Subject::Subject(bool watched, bool generic)
+    : world_(Test::Settings{.ringSize = smallRing}), watched_(watched), generic_(generic) {
     formerTraceSink_ = Qor::traceSinkIs([this](Qor::TraceLine const& line) {
         journal_.line("trace ", line.level, " ", line.text);
     });
@@ -57,6 +65,8 @@ Subject::Subject(bool watched) : world_(Test::Settings{.ringSize = smallRing}), 
     watch(*world_.references, "references");
     watch(*world_.waiting, "waiting");
     watch(*world_.boot, "boot");
+    watchDirectory(*world_.configDir, "configs");
+    watchDirectory(*world_.statusDir, "statuses");
 }
 
 Subject::~Subject() {
@@ -75,6 +85,20 @@ template <class Record> void Subject::watch(Record const& record, std::string co
             report(record, title, change);
         });
     }
+}
+
+template <class Directory>
+void Subject::watchDirectory(Directory const& directory, char const* title) {
+    if (!watched_) {
+        return;
+    }
+    listeners_.emplace_back(directory, [this, title](Test::Notification const& change) {
+        using Record = typename Directory::Record;
+        auto const& name = *static_cast<Pelo::String const*>(change.key);
+        auto const* const record = static_cast<Pelo::Ptr<Record> const*>(change.value);
+        journal_.line("changed ", title, " ", name.view(),
+                      record == nullptr ? " deleted" : "=" + std::string((*record)->name().view()));
+    });
 }
 
 template <class Record>
@@ -96,7 +120,9 @@ void Subject::report(Record const& record, std::string const& title,
 }
 
 Pelo::Ptr<VornicCentral::VpIndexConfig> Subject::newConfig(Pelo::String const& name) {
-    return ownConfigs_[std::string(name.view())] = VornicCentral::vpIndexConfigFactory(name);
+    auto config = VornicCentral::vpIndexConfigFactory(name);
+    watch(*config, "config " + std::string(name.view()));
+    return ownConfigs_[std::string(name.view())] = config;
 }
 
 Pelo::Ptr<VornicCentral::VpIndexStatus> Subject::newStatus(Pelo::String const& name) {
@@ -148,17 +174,31 @@ void Subject::saveBoot() {
 }
 
 void Subject::start(Settings const& settings) {
-    world_.settings = {settings.tableSize, settings.reallocation, settings.vfiForwarding,
-                       settings.remoteLow, smallRing};
-    world_.start();
+    using namespace VornicCentral;
+    settings_ = settings;
+    world_.stop();
+    auto const capabilities = vxlanCapabilitiesFactory("capabilities", settings.remoteLow);
+    world_.sm = vpIndexAllocatorDirSmFactory(
+        world_.references, world_.waiting, settings.configDir ? world_.configDir : nullptr,
+        world_.statusDir, settings.tableSize, world_.boot, settings.reallocation,
+        settings.vfiForwarding, settings.capabilities ? capabilities : nullptr);
 }
 
 std::string Subject::apply(Operation const& operation) {
+    result_.clear();
     try {
-        if (agentOperation(operation) || recordOperation(operation) || lifeOperation(operation)) {
-            return "";
+        if (directoryOperation(operation) || recordOperation(operation) ||
+            lifeOperation(operation)) {
+            return result_;
         }
-        return operation.verb >= Verb::clientKeyed ? callClient(operation) : call(operation);
+        bool const ofClient = operation.verb >= Verb::clientKeyed;
+        if (generic_) {
+            auto const result = ofClient ? genericClientCall(operation) : genericCall(operation);
+            if (result) {
+                return *result;
+            }
+        }
+        return ofClient ? callClient(operation) : call(operation);
     } catch (Qor::Exception const& exception) {
         return "refused " + exception.attribute();
     }

@@ -5,9 +5,11 @@
 #include "VornicL3Shared/model/Operation.h"
 #include "VornicL3Shared/support/Listener.h"
 #include "VornicL3Shared/support/World.h"
+#include "qor/Inspection.h"
 
 #include <list>
 #include <map>
+#include <optional>
 
 namespace ModelTest {
 
@@ -17,7 +19,8 @@ class Subject {
 public:
     /// `watched`: the records' notifications are reported too. An unwatched record has no
     /// subscribers but the library's own.
-    explicit Subject(bool watched);
+    /// `generic`: what generic access offers is done through it, by number.
+    Subject(bool watched, bool generic);
     ~Subject();
     Subject(Subject const&) = delete;
     Subject& operator=(Subject const&) = delete;
@@ -25,7 +28,7 @@ public:
     /// Carries the operation out and returns its result as text; "refused ATTRIBUTE" when the
     /// library threw one of the runtime's exceptions.
     std::string apply(Operation const& operation);
-    void verify() { world_.sm->verify(); }
+    void verify();
     std::string state() const { return world_.state(); }
     /// Whether the whole state is the expected one: as comparing the texts, at a fraction of the
     /// cost.
@@ -37,6 +40,7 @@ public:
 
 private:
     template <class Record> void watch(Record const& record, std::string const& title);
+    template <class Directory> void watchDirectory(Directory const& directory, char const* title);
     template <class Record>
     void report(Record const& record, std::string const& title, Test::Notification const& change);
     static Pelo::String nameOf(Operation const& operation) {
@@ -51,20 +55,41 @@ private:
         return *world_.sm->vpIndexAllocator(nameOf(operation));
     }
 
+    // The access to a record or a state machine, by the one way or the other.
+    template <class K, class Record, class Value>
+    void put(Record& record, typename K::Key const& key, Value const& value) const;
+    template <class K, class Record>
+    typename Record::Value take(Record& record, typename K::Key const& key) const;
+    template <class K, class Record> void clear(Record& record) const;
+    template <class K, class Record>
+    std::string lookAt(Record const& record, typename K::Key const& key) const;
+
     void clientAdd(Operation const& operation);
     void clientRetire(Operation const& operation);
     void saveBoot();
     void start(Settings const& settings);
-    bool agentOperation(Operation const& operation);
+    bool directoryOperation(Operation const& operation);
+    bool recordReplacement(Operation const& operation);
     bool recordOperation(Operation const& operation);
+    bool statusOperation(Operation const& operation);
     template <class K> bool keyedRecordOperation(Operation const& operation);
+    template <class K> bool keyedClientOperation(Operation const& operation);
+    template <class K> std::string look(Operation const& operation);
     bool lifeOperation(Operation const& operation);
     std::string call(Operation const& operation);
     std::string poolCall(Operation const& operation);
+    std::string callAllocatorIs(Operation const& operation);
     std::string callClient(Operation const& operation);
+    std::string callRemoteHelper(Operation const& operation);
+    /// The operations that generic access offers; nothing for any other.
+    std::optional<std::string> genericCall(Operation const& operation);
+    std::optional<std::string> genericClientCall(Operation const& operation);
 
     Test::World world_;
     bool watched_;
+    bool generic_;
+    Settings settings_;
+    std::string result_; ///< of an operation on the records
     std::map<std::string, Pelo::Ptr<VornicCentral::VpIndexConfig>> ownConfigs_;
     LibraryKeys keys_;
     Journal journal_;
@@ -73,6 +98,7 @@ private:
     Qor::LogSink formerLogSink_;
 };
 
+VornicCentral::VpReference libraryReference(Operation const& operation);
 /// A reference in the form of `valueText`.
 std::string referenceText(VornicCentral::VpReference const& reference);
 

@@ -69,6 +69,21 @@ void sweep(VpIndexAllocator& allocator, Kind kind) {
     }
 }
 
+void verifyKind(VpIndexAllocator const& allocator, Kind kind) {
+    switch (kind) {
+    case Kind::remote:
+        return allocator.verifyRemoteVpIndex();
+    case Kind::mlag:
+        return allocator.verifyMlagRemoteVpIndex();
+    case Kind::edge:
+        return allocator.verifyEdgeVpIndex();
+    case Kind::vlan:
+        return allocator.verifyVlanVpIndex();
+    case Kind::efilter:
+        return allocator.verifyEFilterDisableVpIndex();
+    }
+}
+
 } // namespace
 
 std::string Subject::poolCall(Operation const& operation) {
@@ -124,9 +139,26 @@ std::string Subject::call(Operation const& operation) {
     case Verb::clearStale:
         sm.clearStaleEntries();
         return "";
+    case Verb::allocatorIs:
+        return callAllocatorIs(operation);
     default:
         return poolCall(operation);
     }
+}
+
+std::string Subject::callAllocatorIs(Operation const& operation) {
+    Variant const variant = operation.variant;
+    auto const none = [&](Variant without) { return variant == without; };
+    bool const others = variant == Variant::statusOfOther;
+    auto const status =
+        world_.statusDir->vpIndexStatus(Pelo::String(others ? operation.other : operation.client));
+    auto const allocator = world_.sm->vpIndexAllocatorIs(
+        none(Variant::withoutStateMachine) ? nullptr : world_.sm.get(),
+        none(Variant::withoutConfig) ? nullptr : ownConfigs_.at(operation.client),
+        none(Variant::withoutStatus) ? nullptr : status,
+        none(Variant::withoutReferences) ? nullptr : world_.references,
+        world_.sm->vfiForwarding() != (variant == Variant::otherSwitch));
+    return std::string(allocator->name().view());
 }
 
 std::string Subject::callClient(Operation const& operation) {
@@ -144,16 +176,49 @@ std::string Subject::callClient(Operation const& operation) {
     case Verb::clientVerify:
         client.verify();
         return "";
+    case Verb::clientVerifyKind:
+        verifyKind(client, operation.kind);
+        return "";
     case Verb::clientAllocStats:
         client.verifyAndUpdateAllocStats(static_cast<U16>(operation.number));
         return "";
     case Verb::clientFreeStats:
         client.updateFreeStats(static_cast<U16>(operation.number));
         return "";
-    default: {
-        auto const& key = keys_.get<VornicCentral::RemoteVport>(operation.key);
-        return referenceText(client.getRemoteVportRef(key, operation.flag));
+    default:
+        return callRemoteHelper(operation);
     }
+}
+
+std::string Subject::callRemoteHelper(Operation const& operation) {
+    VpIndexAllocator& client = allocator(operation);
+    auto const& key = keys_.get<VornicCentral::RemoteVport>(operation.key);
+    bool const mlag = operation.flag;
+    switch (operation.verb) {
+    case Verb::clientRemoteRef:
+        return referenceText(client.getRemoteVportRef(key, mlag));
+    case Verb::clientRemoteCommon:
+        client.handleRemoteVportCommon(key, mlag);
+        return "";
+    case Verb::clientRemoteReferenced:
+        return client.remoteVportInVpReference(key, mlag) ? "true" : "false";
+    case Verb::clientRemoteRequested:
+        return client.remoteVportInVpIndexConfig(key, mlag) ? "true" : "false";
+    case Verb::clientRemoteIndex:
+        return std::to_string(client.getRemoteVportVpIndex(key, mlag));
+    case Verb::clientRemoteToStatus:
+        client.addRemoteVportToStatus(
+            key, VornicCentral::VirtualPort(static_cast<U16>(operation.number)), mlag);
+        return "";
+    case Verb::clientRemoteToReference:
+        client.addRemoteVportToVpRef(key, libraryReference(operation), mlag);
+        return "";
+    case Verb::clientRemoteFromReference:
+        client.delRemoteVportFromVpRef(key, mlag);
+        return "";
+    default:
+        client.delRemoteVportFromVpIndexStatus(key, mlag);
+        return "";
     }
 }
 

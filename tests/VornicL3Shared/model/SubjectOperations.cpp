@@ -1,98 +1,66 @@
 #include "VornicL3Shared/model/Subject.h"
 
-/// The operations as the library's users carry them out.
+/// The directories and the state machine's life, as the library's users change them.
 namespace ModelTest {
+namespace {
 
-bool Subject::agentOperation(Operation const& operation) {
+/// What a removal from a directory returned.
+template <class R> std::string removedText(Pelo::Ptr<R> const& record) {
+    return record ? "removed " + std::string(record->name().view()) : "none";
+}
+
+} // namespace
+
+bool Subject::directoryOperation(Operation const& operation) {
     Pelo::String const name = nameOf(operation);
     switch (operation.verb) {
     case Verb::clientAdd:
         clientAdd(operation);
         return true;
     case Verb::clientRemove:
-        world_.configDir->vpIndexConfigDel(name);
+        result_ = removedText(world_.configDir->vpIndexConfigDel(name));
         return true;
     case Verb::clientRetire:
         clientRetire(operation);
         return true;
+    case Verb::configNull:
+        world_.configDir->vpIndexConfigIs(name, nullptr);
+        return true;
+    case Verb::configClear:
+        world_.configDir->vpIndexConfigDelAll();
+        return true;
+    case Verb::statusRemove:
+        result_ = removedText(world_.statusDir->vpIndexStatusDel(name));
+        return true;
+    case Verb::statusNull:
+        world_.statusDir->vpIndexStatusIs(name, nullptr);
+        return true;
+    case Verb::statusClear:
+        world_.statusDir->vpIndexStatusDelAll();
+        return true;
+    default:
+        return recordReplacement(operation);
+    }
+}
+
+bool Subject::recordReplacement(Operation const& operation) {
+    Pelo::String const name = nameOf(operation);
+    Pelo::String const other(operation.other);
+    switch (operation.verb) {
     case Verb::configReplace:
         world_.configDir->vpIndexConfigIs(name, newConfig(name));
+        return true;
+    case Verb::configAlias:
+        world_.configDir->vpIndexConfigIs(name, ownConfigs_.at(operation.other));
         return true;
     case Verb::statusReplace:
         world_.statusDir->vpIndexStatusIs(name, newStatus(name));
         return true;
-    case Verb::statusRemove:
-        world_.statusDir->vpIndexStatusDel(name);
+    case Verb::statusAlias:
+        world_.statusDir->vpIndexStatusIs(name, world_.statusDir->vpIndexStatus(other));
         return true;
     default:
         return false;
-    }
-}
-
-template <class K> bool Subject::keyedRecordOperation(Operation const& operation) {
-    auto const& key = keys_.get<K>(operation.key);
-    VornicCentral::VirtualPort const vPort(static_cast<U16>(operation.number));
-    switch (operation.verb) {
-    case Verb::request:
-        ownConfig(operation).is<K>(key, true);
-        return true;
-    case Verb::withdraw:
-        ownConfig(operation).del<K>(key);
-        return true;
-    case Verb::putReference: {
-        VornicCentral::VpReference reference(vPort);
-        for (std::string const& name : operation.names) {
-            reference.referenceIs(Pelo::String(name), true);
-        }
-        world_.references->is<K>(key, reference);
-        return true;
-    }
-    case Verb::dropReference:
-        world_.references->del<K>(key);
-        return true;
-    case Verb::putStatus:
-        world_.statusDir->vpIndexStatus(nameOf(operation))->is<K>(key, vPort);
-        return true;
-    case Verb::dropStatus:
-        world_.statusDir->vpIndexStatus(nameOf(operation))->del<K>(key);
-        return true;
-    case Verb::putWaiting:
-        world_.waiting->is<K>(key, true);
-        return true;
-    case Verb::dropWaiting:
-        world_.waiting->del<K>(key);
-        return true;
-    case Verb::putBoot:
-        world_.boot->is<K>(key, vPort);
-        return true;
-    case Verb::dropBoot:
-        world_.boot->del<K>(key);
-        return true;
-    default:
-        return false;
-    }
-}
-
-bool Subject::recordOperation(Operation const& operation) {
-    switch (operation.verb) {
-    case Verb::putTableSize:
-        world_.statusDir->vpIndexStatus(nameOf(operation))->vpTableSizeIs(operation.number);
-        return true;
-    case Verb::clearReferences:
-        VornicCentral::forEachKind([&](auto kind) { world_.references->delAll<decltype(kind)>(); });
-        return true;
-    case Verb::clearWaiting:
-        VornicCentral::forEachKind([&](auto kind) { world_.waiting->delAll<decltype(kind)>(); });
-        return true;
-    case Verb::clearBoot:
-        VornicCentral::forEachKind([&](auto kind) { world_.boot->delAll<decltype(kind)>(); });
-        return true;
-    case Verb::saveBoot:
-        saveBoot();
-        return true;
-    default:
-        return withKind(operation.kind,
-                        [&](auto kind) { return keyedRecordOperation<decltype(kind)>(operation); });
     }
 }
 
@@ -102,7 +70,7 @@ bool Subject::lifeOperation(Operation const& operation) {
         start(operation.settings);
         return true;
     case Verb::restart:
-        world_.start();
+        start(Settings(settings_));
         return true;
     case Verb::stop:
         world_.stop();

@@ -6,7 +6,7 @@
 namespace ModelTest {
 namespace {
 
-bool same(bool, Present) { return true; }
+bool same(bool seen, Flag expected) { return seen == expected.on; }
 bool same(VornicCentral::VirtualPort seen, VPort expected) {
     return seen.vpIndex() == expected.index;
 }
@@ -69,11 +69,31 @@ bool same(Bask::Bitmap const& seen, std::vector<bool> const& expected) {
     return all;
 }
 
+/// The allocators, each with the very records for which it was made.
+bool same(VornicCentral::VpIndexAllocatorDirSm const& seen, State const& expected,
+          LibraryKeys const& keys) {
+    auto const& allocators = expected.machine->allocators;
+    bool all = seen.initialized() == expected.machine->initialized &&
+               seen.vpIndexAllocator().memberCount() == allocators.size();
+    VornicCentral::VpIndexAllocatorDirSm::Allocators::Iterator it(seen.vpIndexAllocator());
+    for (auto at = allocators.begin(); all && at != allocators.end(); ++at, it.advance()) {
+        auto const& [name, allocator] = *at;
+        all = it && it.key().view() == name && it.value()->name().view() == name &&
+              it.value()->initialized() && it.value()->vfiForwarding() == allocator.vfiForwarding &&
+              same(*it.value()->vpIndexConfig(), expected.configs[allocator.client.config], keys) &&
+              same(*it.value()->vpIndexStatus(), expected.statuses[allocator.client.status], keys);
+    }
+    return all;
+}
+
 } // namespace
 
 bool Subject::holds(State const& expected) const {
     bool const pool = expected.machine && expected.machine->pool;
     if (pool != (world_.sm && world_.sm->vpBitmap())) {
+        return false;
+    }
+    if (expected.machine && !same(*world_.sm, expected, keys_)) {
         return false;
     }
     return (!pool || same(*world_.sm->vpBitmap(), expected.machine->pool->bits)) &&

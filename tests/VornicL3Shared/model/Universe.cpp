@@ -16,6 +16,8 @@ Keys const& remoteKeys() {
         {"2001:db8::2@17", "2001:db8::2", "17", "", ""},
         {"10.0.0.1@17/1/2", "10.0.0.1", "17", "", ""},
         {"10.0.0.1@4294967295", "10.0.0.1", "4294967295", "", ""},
+        {"0.0.0.0@0", "0.0.0.0", "0", "", ""},
+        {"::@0/255/255", "::", "0", "", ""},
     }};
     return keys;
 }
@@ -28,6 +30,8 @@ Keys const& edgeKeys() {
         {"lo:1", "", "", "lo", "1"},
         {"a b:c:4094", "", "", "a b:c", "4094"},
         {longName + ":7", "", "", longName, "7"},
+        {":0", "", "", "", "0"},
+        {"Ethernet1/1:65535", "", "", "Ethernet1/1", "65535"},
     }};
     return keys;
 }
@@ -40,6 +44,8 @@ Keys const& vlanKeys() {
         {"200", "", "", "", "200"},
         {"7", "", "", "", "7"},
         {"300", "", "", "", "300"},
+        {"0", "", "", "", "0"},
+        {"65535", "", "", "", "65535"},
     }};
     return keys;
 }
@@ -52,6 +58,8 @@ Keys const& efilterKeys() {
         {"lo", "", "", "lo", ""},
         {"%s%d", "", "", "%s%d", ""},
         {longName, "", "", longName, ""},
+        {" ", "", "", " ", ""},
+        {longName + "8", "", "", longName + "8", ""},
     }};
     return keys;
 }
@@ -72,7 +80,8 @@ KeyText const& keyText(Kind kind, Key key) {
 }
 
 std::vector<std::string> const& clientNames() {
-    static std::vector<std::string> const names = {"bgp", "mlag", "static-routes", "a", "b", "c"};
+    static std::vector<std::string> const names = {"bgp", "mlag", "static-routes", "a", "b",
+                                                   "c",   "",     "x, y]"};
     return names;
 }
 

@@ -28,10 +28,10 @@ struct KeyText {
 };
 
 /// All keys that sequences use, in every kind the same number.
-inline constexpr std::size_t keysPerKind = 6;
+inline constexpr std::size_t keysPerKind = 8;
 KeyText const& keyText(Kind kind, Key key);
 
-/// All client names that sequences use. More than four of them can be on one key.
+/// All client names that sequences use, odd ones last. More than four of them can be on one key.
 std::vector<std::string> const& clientNames();
 
 char const* wordOf(Kind kind); ///< by which people name the kind, as `efilter`
