@@ -1,19 +1,20 @@
 // Sets of interfaces at their usual sizes: compared, copied, walked and built.
 
+#include "Case.h"
 #include "interface/IntfSet.h"
-
-#include <benchmark/benchmark.h>
 
 #include <string>
 #include <vector>
+
+namespace Bench {
 
 namespace {
 
 using Interface::IntfSet;
 
-std::vector<Netzo::IntfId> interfaces(benchmark::State const& state) {
+std::vector<Netzo::IntfId> interfaces(int count) {
     std::vector<Netzo::IntfId> all;
-    for (int64_t at = 0; at < state.range(0); ++at) {
+    for (int at = 0; at < count; ++at) {
         all.emplace_back("Ethernet" + std::to_string(at * 37 % 64 + 1));
     }
     return all;
@@ -27,26 +28,24 @@ IntfSet setOf(std::vector<Netzo::IntfId> const& intfs) {
     return set;
 }
 
-void intfSetEqual(benchmark::State& state) {
-    IntfSet const a = setOf(interfaces(state));
-    IntfSet const b = setOf(interfaces(state));
+void intfSetEqual(benchmark::State& state, int count) {
+    IntfSet const a = setOf(interfaces(count));
+    IntfSet const b = setOf(interfaces(count));
     for (auto _ : state) {
         benchmark::DoNotOptimize(a == b);
     }
 }
-BENCHMARK(intfSetEqual)->Arg(0)->Arg(8)->Arg(64);
 
-void intfSetCopy(benchmark::State& state) {
-    IntfSet const set = setOf(interfaces(state));
+void intfSetCopy(benchmark::State& state, int count) {
+    IntfSet const set = setOf(interfaces(count));
     for (auto _ : state) {
         IntfSet const copy(set);
         benchmark::DoNotOptimize(copy.size());
     }
 }
-BENCHMARK(intfSetCopy)->Arg(0)->Arg(8)->Arg(64);
 
-void intfSetWalk(benchmark::State& state) {
-    IntfSet const set = setOf(interfaces(state));
+void intfSetWalk(benchmark::State& state, int count) {
+    IntfSet const set = setOf(interfaces(count));
     for (auto _ : state) {
         U64 sum = 0;
         for (Netzo::IntfId const& intf : set) {
@@ -55,14 +54,29 @@ void intfSetWalk(benchmark::State& state) {
         benchmark::DoNotOptimize(sum);
     }
 }
-BENCHMARK(intfSetWalk)->Arg(0)->Arg(8)->Arg(64);
 
-void intfSetBuild(benchmark::State& state) {
-    std::vector<Netzo::IntfId> const intfs = interfaces(state);
+void intfSetBuild(benchmark::State& state, int count) {
+    std::vector<Netzo::IntfId> const intfs = interfaces(count);
     for (auto _ : state) {
         benchmark::DoNotOptimize(setOf(intfs).size());
     }
 }
-BENCHMARK(intfSetBuild)->Arg(8)->Arg(64);
+
+void add(std::string const& subject, int count, void (*run)(benchmark::State&, int)) {
+    addCase(subject, "ours", std::to_string(count),
+            [=](benchmark::State& state) { run(state, count); });
+}
+
+[[maybe_unused]] bool const added = [] {
+    for (int const count : {0, 8, 64}) {
+        add("intfSetEqual", count, intfSetEqual);
+        add("intfSetCopy", count, intfSetCopy);
+        add("intfSetWalk", count, intfSetWalk);
+        add("intfSetBuild", count, intfSetBuild);
+    }
+    return true;
+}();
 
 } // namespace
+
+} // namespace Bench

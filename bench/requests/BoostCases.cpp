@@ -1,0 +1,10 @@
+#include "requests/BoostPolicy.h"
+#include "requests/ProgramWorld.h"
+#include "requests/RequestCases.h"
+
+namespace {
+
+[[maybe_unused]] bool const added =
+    (Bench::RequestCases<Bench::ProgramWorld<Bench::BoostPolicy>>::add("boost"), true);
+
+} // namespace
