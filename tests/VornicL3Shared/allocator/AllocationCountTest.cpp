@@ -1,9 +1,9 @@
 // How many pieces of memory requests and releases take: those in which the members of the records
 // stand, and no others.
 
-#include "VornicL3Shared/support/CountedAllocations.h"
 #include "VornicL3Shared/support/World.h"
 #include "qor/TraceHandle.h"
+#include "support/Allocations.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-using Test::CountedAllocations;
+using Support::CountedAllocations;
 using Test::Vport;
 using Test::World;
 using VornicCentral::EdgeVport;

@@ -1,7 +1,7 @@
 #include "pelo/Ptr.h"
 
 #include "pelo/Node.h"
-#include "runtime/FailingAllocations.h"
+#include "support/Allocations.h"
 #include "support/MultiThreaded.h"
 
 #include <gtest/gtest.h>

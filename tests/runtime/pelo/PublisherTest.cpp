@@ -1,7 +1,7 @@
 #include "pelo/Publisher.h"
 
-#include "runtime/FailingAllocations.h"
 #include "runtime/pelo/Reactor.h"
+#include "support/Allocations.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "pelo/Node.h"
 #include "pelo/Ptr.h"
-#include "runtime/FailingAllocations.h"
+#include "support/Allocations.h"
 #include "support/MultiThreaded.h"
 #include "support/Random.h"
 

@@ -1,6 +1,6 @@
 #include "pelo/String.h"
 
-#include "runtime/FailingAllocations.h"
+#include "support/Allocations.h"
 #include "support/MultiThreaded.h"
 #include "support/ParseOutcome.h"
 

@@ -1,6 +1,6 @@
 #include "qor/HashMap2018.h"
-#include "runtime/FailingAllocations.h"
 #include "runtime/qor/MapKeys.h"
+#include "support/Allocations.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "qor/MemberIndex.h"
 
-#include "runtime/FailingAllocations.h"
 #include "runtime/qor/MapKeys.h"
+#include "support/Allocations.h"
 #include "support/Random.h"
 
 #include <gtest/gtest.h>

@@ -1,15 +1,17 @@
-#include "runtime/FailingAllocations.h"
+#include "support/Allocations.h"
 
 #include <cstdlib>
 #include <new>
 
 namespace {
 
+thread_local U32 allocations = 0;
 thread_local bool failing = false;
 thread_local U32 passing = 0;
 
 /// `alignment` is 0 for storage that fits every type without a wish of its own.
 void* allocate(std::size_t size, std::size_t alignment) {
+    ++allocations;
     if (failing) {
         if (passing == 0) {
             throw std::bad_alloc();
@@ -45,6 +47,9 @@ FailingAllocations::FailingAllocations(U32 allowed) noexcept {
 }
 
 FailingAllocations::~FailingAllocations() { failing = false; }
+
+CountedAllocations::CountedAllocations() noexcept : before_(allocations) {}
+U32 CountedAllocations::count() const noexcept { return allocations - before_; }
 
 } // namespace Support
 
