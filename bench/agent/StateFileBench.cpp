@@ -2,7 +2,7 @@
 // beside a small and a large database.
 
 #include "Case.h"
-#include "requests/Agent.h"
+#include "requests/OurWorld.h"
 #include "state/Agent.h"
 #include "statefile/StateFile.h"
 
@@ -11,7 +11,9 @@
 
 namespace {
 
-using Bench::edgeKey;
+VornicCentral::PortVlanKey edgeKey(U32 at) {
+    return Bench::OurWorld<VornicCentral::EdgeVport>::key(at);
+}
 
 /// Hears nothing.
 class NoReporter final : public VpAgent::Reporter {
