@@ -17,11 +17,11 @@ namespace VornicCentral {
 /// A set of client names in the order in which they were added.
 ///
 /// Up to four names, the usual case, stand in the set itself; more of them in one block, which
-/// copies of the set share until one of them is changed. Small sets are searched by walking, larger
-/// ones through a hash index, so that membership costs the same for 1,000 names as for 20. A copy
-/// costs a use count a name, and one in all for five names or more; adding or removing a name costs
-/// at most a walk of the set. A name that is removed and added again goes last. Sets are equal when
-/// they hold the same names, whatever the order.
+/// copies of the set share until one of them is changed, and which the set keeps when names go.
+/// Small sets are searched by walking, larger ones through a hash index, so that membership costs
+/// the same for 1,000 names as for 20. A copy costs a use count a name, and one in all for names in
+/// a block; adding or removing a name costs at most a walk of the set. A name that is removed and
+/// added again goes last. Sets are equal when they hold the same names, whatever the order.
 ///
 /// Any change ends the validity of iterators; one that throws (`std::bad_alloc`) has changed
 /// nothing. Moved from, a set is empty. Not thread-safe; the names, and what copies share, follow
