@@ -22,7 +22,8 @@ struct LttngLoop {
 
 /// Starts a session that ends with this process, and loads the module.
 LttngLoop startLttng() {
-    std::string home = std::filesystem::temp_directory_path() / "vornic-bench-lttng-XXXXXX";
+    std::string home = std::filesystem::temp_directory_path() / "vornic-bench-lttng-";
+    home.append(6, 'X'); // which mkdtemp replaces
     if (mkdtemp(home.data()) == nullptr) {
         return {nullptr, "no temporary folder"};
     }

@@ -31,7 +31,8 @@ longest_round=600
 export ASAN_OPTIONS=${ASAN_OPTIONS-detect_stack_use_after_return=1:strict_string_checks=1}
 export UBSAN_OPTIONS=${UBSAN_OPTIONS-print_stacktrace=1}
 
-TMPDIR=$(mktemp -d "$([[ -d /dev/shm ]] && echo /dev/shm || echo "${TMPDIR:-/tmp}")/vornic-fuzz.XXXXXX")
+if [[ -d /dev/shm ]]; then memory=/dev/shm; else memory=${TMPDIR:-/tmp}; fi
+TMPDIR=$(mktemp -d -p "$memory")
 export TMPDIR
 trap 'rm -rf "$TMPDIR"' EXIT
 
