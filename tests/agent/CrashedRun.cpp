@@ -1,5 +1,7 @@
 #include "agent/CrashedRun.h"
 
+#include "agent/RunVpagent.h"
+
 #include <fcntl.h>
 #include <sys/ptrace.h>
 #include <sys/types.h>
@@ -25,7 +27,8 @@ pid_t startTraced(int input) {
         ::dup2(nowhere, STDOUT_FILENO);
         ::dup2(nowhere, STDERR_FILENO);
         ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-        ::execl(VPAGENT_PROGRAM, VPAGENT_PROGRAM, nullptr);
+        std::string const program = vpagentProgram();
+        ::execl(program.c_str(), program.c_str(), nullptr);
         ::_exit(127);
     }
     return process;

@@ -1,6 +1,7 @@
 #include "agent/KillableRun.h"
 #include "agent/RunVpagent.h"
 #include "agent/State.h"
+#include "support/Places.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +16,7 @@ namespace VpAgentTest {
 namespace {
 
 std::string example(std::string const& name) {
-    std::ifstream file(std::string(VORNIC_SOURCE_DIR) + "/examples/" + name);
+    std::ifstream file(Support::sourceFolder() + "/examples/" + name);
     EXPECT_TRUE(file.is_open()) << name;
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }

@@ -1,4 +1,5 @@
 #include "agent/State.h"
+#include "support/Places.h"
 
 #include <gtest/gtest.h>
 
@@ -99,7 +100,7 @@ TEST(ImportCommand, RefusesAFileThatOpensButCannotBeRead) {
 class RealFile : public testing::Test {
 protected:
     static std::filesystem::path folder() {
-        return std::filesystem::path(VORNIC_SOURCE_DIR) / ".." / "shared" / "data";
+        return std::filesystem::path(Support::sourceFolder()) / ".." / "shared" / "data";
     }
 
     /// The line that imports a file prints, and the requests of the client that it makes.

@@ -1,5 +1,6 @@
 #include "agent/KillableRun.h"
 #include "agent/RunVpagent.h"
+#include "support/Places.h"
 
 #include <gtest/gtest.h>
 
@@ -67,7 +68,7 @@ Commands const everything{
     "client retire \"leaf \xC3\xA9\"",
     "client add \"leaf \xC3\xA9\"",
     "client add third",
-    "import " VORNIC_SOURCE_DIR "/tests/agent/KillTest.json",
+    "import " + Support::sourceFolder() + "/tests/agent/KillTest.json",
     "stop",
     "clear boot",
     "clear waiting",

@@ -1,5 +1,7 @@
 #include "agent/KillableRun.h"
 
+#include "agent/RunVpagent.h"
+
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -27,7 +29,7 @@ KillableRun::KillableRun(std::string const& stateFile) {
     if (::pipe2(in.data(), O_CLOEXEC) != 0 || ::pipe2(out.data(), O_CLOEXEC) != 0) {
         throw std::runtime_error("no pipe");
     }
-    std::vector<std::string> words{VPAGENT_PROGRAM, "--json", "--keep-going"};
+    std::vector<std::string> words{vpagentProgram(), "--json", "--keep-going"};
     if (!stateFile.empty()) {
         words.insert(words.end(), {"--state", stateFile});
     }
@@ -42,7 +44,7 @@ KillableRun::KillableRun(std::string const& stateFile) {
     posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
     int const code =
-        ::posix_spawn(&process_, VPAGENT_PROGRAM, &actions, nullptr, argv.data(), environ);
+        ::posix_spawn(&process_, argv.front(), &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     ::close(in[0]);
     ::close(out[1]);

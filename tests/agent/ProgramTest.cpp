@@ -187,8 +187,8 @@ TEST(Program, IsAbortedByAFailedAssertion) {
 TEST(Program, EndsInAnErrorWhenItsOutputIsLost) {
     EXPECT_EQ(runVpagent({"--json"}, "echo one\n").status, 0);
     TemporaryFolder const folder;
-    std::string const shell = "exec " + std::string(VPAGENT_PROGRAM) + " --json > /dev/full < " +
-                              folder.write("s.vp", "echo one\n");
+    std::string const shell =
+        "exec " + vpagentProgram() + " --json > /dev/full < " + folder.write("s.vp", "echo one\n");
     int const status = std::system(shell.c_str());
     EXPECT_EQ(WEXITSTATUS(status), 2);
 }
@@ -241,9 +241,8 @@ TEST(Options, TakeScriptNamesInBrackets) {
     folder.write("{}", "echo braces\n");
     auto const runs = [&folder](std::string const& scripts) {
         std::string const out = (folder.path() / "out").string();
-        std::string const command = "cd " + folder.path().string() +
-                                    " && exec " VPAGENT_PROGRAM " " + scripts +
-                                    " > out < /dev/null";
+        std::string const command = "cd " + folder.path().string() + " && exec " +
+                                    vpagentProgram() + " " + scripts + " > out < /dev/null";
         EXPECT_EQ(std::system(command.c_str()), 0) << scripts;
         std::ifstream file(out);
         return std::string{std::istreambuf_iterator<char>(file), {}};

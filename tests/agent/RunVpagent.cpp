@@ -47,9 +47,11 @@ std::string contentOf(std::FILE* file) {
 
 } // namespace
 
+std::string vpagentProgram() { return VPAGENT_PROGRAM; }
+
 pid_t startVpagent(std::vector<std::string> const& arguments, int in, int out, int err) {
     std::vector<char*> argv;
-    std::string program = VPAGENT_PROGRAM;
+    std::string program = vpagentProgram();
     std::vector<std::string> words = arguments;
     argv.push_back(program.data());
     for (std::string& word : words) {

@@ -9,6 +9,9 @@
 
 namespace VpAgentTest {
 
+/// The path of the program.
+std::string vpagentProgram();
+
 /// How a run of the program ended, and what it printed.
 struct Outcome {
     int status = 0; ///< the exit status, or minus the signal that ended it

@@ -125,9 +125,9 @@ TEST(StateFileProgram, StopsWithAMessageWhenTheDiskTakesNoMore) {
     // A limit on the size of files stands for a full disk; the write fails because the signal that
     // would end the program is ignored.
     std::string const out = (folder.path() / "out").string();
-    std::string const command = "trap '' XFSZ; ulimit -f 400; exec " +
-                                std::string(VPAGENT_PROGRAM) + " --json --keep-going --state " +
-                                path + ' ' + folder.write("script.vp", script) + " > " + out;
+    std::string const command = "trap '' XFSZ; ulimit -f 400; exec " + vpagentProgram() +
+                                " --json --keep-going --state " + path + ' ' +
+                                folder.write("script.vp", script) + " > " + out;
     int const status = std::system(command.c_str());
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2);
 

@@ -19,7 +19,7 @@ namespace {
 
 /// Runs the program with the arguments and redirections of a shell's command; gives its status.
 int statusInShell(std::string const& command) {
-    int const status = std::system(("exec " VPAGENT_PROGRAM " " + command).c_str());
+    int const status = std::system(("exec " + vpagentProgram() + " " + command).c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

@@ -1,3 +1,5 @@
+#include "agent/RunVpagent.h"
+
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
@@ -23,7 +25,8 @@ protected:
         if (process_ == 0) {
             ::setenv("TERM", "dumb", 1);
             ::setenv("LC_ALL", "C", 1); // the locale that knows least
-            ::execl(VPAGENT_PROGRAM, VPAGENT_PROGRAM, nullptr);
+            std::string const program = vpagentProgram();
+            ::execl(program.c_str(), program.c_str(), nullptr);
             ::_exit(127);
         }
     }

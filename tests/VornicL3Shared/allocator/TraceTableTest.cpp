@@ -5,6 +5,7 @@
 #include "VornicL3Shared/support/World.h"
 #include "lumlog/Reader.h"
 #include "lumlog/RingBuffer.h"
+#include "support/Places.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +14,7 @@
 namespace Test {
 namespace {
 
-std::filesystem::path const source = VORNIC_SOURCE_DIR;
+std::filesystem::path const source = Support::sourceFolder();
 
 /// A world in which each trace is made: of the life of a client, of the five kinds requested,
 /// shared, waiting, served and withdrawn, of a restart from references and of one from the boot
