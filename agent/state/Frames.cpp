@@ -4,22 +4,25 @@
 
 #include <cerrno>
 #include <cstring>
+#include <type_traits>
 
 namespace VpAgent {
 
 namespace {
 
 struct Header {
-    Frame::Kind kind;
-    U32 number;
     std::size_t firstSize;
     std::size_t secondSize;
+    U32 number;
+    U32 kind;
 };
+static_assert(std::has_unique_object_representations_v<Header>, "it is written byte by byte");
 
 } // namespace
 
 void writeFrame(int file, Frame const& frame) noexcept {
-    Header const header{frame.kind, frame.number, frame.first.size(), frame.second.size()};
+    Header const header{frame.first.size(), frame.second.size(), frame.number,
+                        static_cast<U32>(frame.kind)};
     std::string bytes(sizeof header, '\0');
     std::memcpy(bytes.data(), &header, sizeof header);
     bytes += frame.first;
@@ -45,7 +48,8 @@ std::optional<Frame> FrameReader::next() {
         return std::nullopt;
     }
     rest_ = texts.substr(header.firstSize + header.secondSize);
-    return Frame{header.kind, header.number, texts.substr(0, header.firstSize),
+    return Frame{static_cast<Frame::Kind>(header.kind), header.number,
+                 texts.substr(0, header.firstSize),
                  texts.substr(header.firstSize, header.secondSize)};
 }
 
