@@ -16,7 +16,7 @@ std::string sample(Json const& value) {
     constexpr std::size_t longest = 40;
     std::string text = value.dump(-1, ' ', false, Json::error_handler_t::replace);
     if (text.size() > longest) {
-        text = text.substr(0, longest) + "...";
+        text.replace(longest, std::string::npos, "...");
     }
     return printable(text);
 }

@@ -101,8 +101,8 @@ template <Piece P> auto flatten(P&& piece) {
         return std::tuple(std::string_view(piece));
     } else if constexpr (HasArgTraits<T>) {
         return std::apply(
-            []<class... Parts>(Parts&&... parts) {
-                return std::tuple_cat(flatten(std::forward<Parts>(parts))...);
+            [](auto&&... parts) {
+                return std::tuple_cat(flatten(std::forward<decltype(parts)>(parts))...);
             },
             ArgTraits<T>::pieces(piece));
     } else if constexpr (Recordable<T>) {

@@ -15,6 +15,7 @@
 #include <span>
 #include <string_view>
 #include <tuple>
+#include <type_traits>
 
 /// How the arguments of one record get into the ring; for `Lumlog::record` only.
 namespace Lumlog::Internal {
@@ -39,8 +40,8 @@ template <class Arg> constexpr std::size_t fixedSize() {
 template <class... Args> auto wordsOf(Args const&... args) noexcept {
     std::array<Qor::Words, (std::size_t{isWords<Args>} + ... + 0)> result;
     [[maybe_unused]] auto at = result.begin();
-    [[maybe_unused]] auto const take = [&at]<class Arg>(Arg const& arg) {
-        if constexpr (isWords<Arg>) {
+    [[maybe_unused]] auto const take = [&at](auto const& arg) {
+        if constexpr (isWords<std::remove_cvref_t<decltype(arg)>>) {
             *at++ = arg;
         }
     };
@@ -52,8 +53,8 @@ template <class... Args> auto wordsOf(Args const&... args) noexcept {
 template <class... Args> auto textsOf(Args const&... args) noexcept {
     std::array<std::string_view, (std::size_t{isText<Args>} + ... + 0)> result;
     [[maybe_unused]] auto at = result.begin();
-    [[maybe_unused]] auto const take = [&at]<class Arg>(Arg const& arg) {
-        if constexpr (isText<Arg>) {
+    [[maybe_unused]] auto const take = [&at](auto const& arg) {
+        if constexpr (isText<std::remove_cvref_t<decltype(arg)>>) {
             *at++ = arg;
         }
     };
@@ -117,8 +118,8 @@ template <class... Args>
     cutTexts(texts, size - ring.maxPayload());
     std::string_view const* text = texts.data();
     std::byte* at = ring.startMsg(message, ring.maxPayload());
-    auto const appendNext = [&]<class Arg>(Arg const& arg) {
-        if constexpr (isText<Arg>) {
+    auto const appendNext = [&](auto const& arg) {
+        if constexpr (isText<std::remove_cvref_t<decltype(arg)>>) {
             at = appendArg(at, *text++);
         } else {
             at = appendArg(at, arg);

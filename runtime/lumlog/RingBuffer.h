@@ -145,9 +145,8 @@ inline std::byte* RingBuffer::startMsg(MsgDescriptor const& descriptor,
 /// bytes are copied as two words that may overlap.
 inline std::byte* RingBuffer::appendBytes(std::byte* at, std::string_view text) noexcept {
     std::size_t const size = text.size();
-    auto const copyEnds = [&]<class Word>(Word) {
-        Word first;
-        Word last;
+    auto const copyEnds = [&](auto first) {
+        auto last = first;
         std::memcpy(&first, text.data(), sizeof first);
         std::memcpy(&last, text.data() + size - sizeof last, sizeof last);
         append(at, first);

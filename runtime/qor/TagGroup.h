@@ -49,8 +49,8 @@ private:
     /// The tag that each topmost byte of a hash gives, four times over.
     static constexpr std::array<U32, 256> repeatedTags = [] {
         std::array<U32, 256> tags{};
-        for (U32 byte = 0; byte < tags.size(); ++byte) {
-            tags[byte] = 0x01010101u * (byte == freeTag ? 1 : byte);
+        for (U32 top = 0; top != 256; ++top) {
+            tags[top] = 0x01010101u * (top == freeTag ? 1 : top);
         }
         return tags;
     }();

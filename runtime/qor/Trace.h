@@ -34,10 +34,10 @@
 /// Cost: one test of one word when neither the level is on nor a ring buffer is there; with a ring
 /// buffer some ten to twenty nanoseconds, in which no text is made of any piece that
 /// `Lumlog::ArgTraits` knows.
-#define QOR_TRACE(handle, level, unit, op, ...)                                                    \
+#define QOR_TRACE(handle, level, unit, ...)                                                        \
     QOR_TRACE_SITE(handle, level, unit, {                                                          \
         if (qorTraceSite.recordWanted() || qorTraceSite.lineWanted()) {                            \
-            qorTraceSite.both(op __VA_OPT__(, ) __VA_ARGS__);                                      \
+            qorTraceSite.both(__VA_ARGS__);                                                        \
         }                                                                                          \
     })
 
@@ -49,18 +49,18 @@
 #define QOR_TRACE_TWIN(handle, level, unit, op, tracePieces, ringPieces)                           \
     QOR_TRACE_SITE(handle, level, unit, {                                                          \
         if (qorTraceSite.recordWanted()) {                                                         \
-            qorTraceSite.record(op QOR_TRACE_PIECES ringPieces);                                   \
+            qorTraceSite.recordAfter(op) ringPieces;                                               \
         }                                                                                          \
         if (qorTraceSite.lineWanted()) {                                                           \
-            qorTraceSite.line(op QOR_TRACE_PIECES tracePieces);                                    \
+            qorTraceSite.lineAfter(op) tracePieces;                                                \
         }                                                                                          \
     })
 
 /// As `QOR_TRACE`, for a record that has no trace line. The level is only noted in the record.
-#define QOR_RING_ONLY(handle, level, unit, op, ...)                                                \
+#define QOR_RING_ONLY(handle, level, unit, ...)                                                    \
     QOR_TRACE_SITE(handle, level, unit, {                                                          \
         if (qorTraceSite.recordWanted()) {                                                         \
-            qorTraceSite.record(op __VA_OPT__(, ) __VA_ARGS__);                                    \
+            qorTraceSite.record(__VA_ARGS__);                                                      \
         }                                                                                          \
     })
 
@@ -73,7 +73,6 @@
             __VA_ARGS__                                                                            \
         }                                                                                          \
     } while (false)
-#define QOR_TRACE_PIECES(...) __VA_OPT__(, ) __VA_ARGS__
 
 namespace Qor {
 
@@ -106,6 +105,15 @@ public:
 
     template <Lumlog::Piece... Pieces> void line(Pieces&&... pieces) const noexcept {
         writeLine(handle_, descriptor_, function_, pieces...);
+    }
+
+    /// What records, or prints, the operation and then the pieces that it is called with. To be
+    /// called at once.
+    template <Lumlog::Piece Op> auto recordAfter(Op&& op) const noexcept {
+        return [this, &op](auto&&... pieces) noexcept { record(op, pieces...); };
+    }
+    template <Lumlog::Piece Op> auto lineAfter(Op&& op) const noexcept {
+        return [this, &op](auto&&... pieces) noexcept { line(op, pieces...); };
     }
 
 private:

@@ -110,7 +110,7 @@ public:
     /// An attribute that has the same value in every object.
     template <class Value>
     TypeBuilder& constant(Pelo::FieldId number, char const* fieldName, Value const& value) {
-        GenericValue const kept = GenericValue::of(value);
+        GenericValue kept = GenericValue::of(value);
         fieldAdd({number, fieldName, FieldKind::attribute, kept.type()});
         accessAdd({OpCode::get, false, {}, kept.type(), [kept](AccessTarget const&, Arguments) {
                        return kept;
@@ -132,13 +132,13 @@ public:
 
     /// The mutators of the attribute or collection declared last.
     template <class R, class C, class... A> TypeBuilder& set(R (C::*mutator)(A...)) {
-        return mutator_<R, A...>(OpCode::set, mutator);
+        return mutatorOf<R, A...>(OpCode::set, mutator);
     }
     template <class R, class C, class A> TypeBuilder& del(R (C::*mutator)(A)) {
-        return mutator_<R, A>(OpCode::del, mutator);
+        return mutatorOf<R, A>(OpCode::del, mutator);
     }
     template <class R, class C> TypeBuilder& delAll(R (C::*mutator)()) {
-        return mutator_<R>(OpCode::delAll, mutator);
+        return mutatorOf<R>(OpCode::delAll, mutator);
     }
 
     /// For an attribute or collection declared last whose values are entities that this entity
@@ -184,7 +184,7 @@ private:
     }
 
     template <class R, class... A, class Function>
-    TypeBuilder& mutator_(OpCode code, Function function) {
+    TypeBuilder& mutatorOf(OpCode code, Function function) {
         mutatorAdd(code, {&Detail::parameterType<A>()...}, Detail::memberRun<T, R, A...>(function),
                    Detail::resultType<R>());
         return *this;

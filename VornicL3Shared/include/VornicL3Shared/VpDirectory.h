@@ -44,7 +44,7 @@ protected:
             entryDel(name);
             return;
         }
-        Pelo::String const changed = name;
+        Pelo::String const changed = name; // NOLINT: a subscriber may drop the caller's
         Pelo::Ptr<R> const value = record;
         if (entries_.memberIs(changed, value) != Entries::Change::none) {
             publishMember(entriesField, changed, &value);
@@ -53,7 +53,7 @@ protected:
 
     /// Removes an entry and returns it; null, and nothing published, when there was none.
     Pelo::Ptr<R> entryDel(Pelo::String const& name) {
-        Pelo::String const changed = name;
+        Pelo::String const changed = name; // NOLINT: a subscriber may drop the caller's
         auto removed = entries_.deleteMember(changed);
         if (!removed) {
             return nullptr;

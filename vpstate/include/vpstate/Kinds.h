@@ -74,13 +74,16 @@ using ServingOrder =
 inline constexpr std::size_t kindCount = std::tuple_size_v<Kinds>;
 static_assert(std::tuple_size_v<ServingOrder> == kindCount, "each kind is served");
 
+/// The place of a type in a list that holds it.
+template <class Type, class... Each> consteval std::size_t placeIn(std::tuple<Each...> const*) {
+    std::size_t at = 0;
+    static_cast<void>(((std::is_same_v<Type, Each> ? true : (++at, false)) || ...));
+    return at;
+}
+
 /// The place of a kind in the list.
 template <class Kind>
-inline constexpr std::size_t kindOrder = []<class... Each>(std::tuple<Each...>*) {
-    std::size_t at = 0;
-    static_cast<void>(((std::is_same_v<Kind, Each> ? true : (++at, false)) || ...));
-    return at;
-}(static_cast<Kinds*>(nullptr));
+inline constexpr std::size_t kindOrder = placeIn<Kind>(static_cast<Kinds const*>(nullptr));
 
 /// Calls `visit(Kind{})` for each kind of `List` in turn.
 ///
