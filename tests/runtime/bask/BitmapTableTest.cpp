@@ -19,6 +19,19 @@ using Bask::HBitmap;
 using Qor::GenericValue;
 using Qor::OpCode;
 
+TEST(BitmapWords, ReadAsTheyPrint) {
+    using State = Qor::ValueTraits<HBitmap::BitState>;
+    using End = Qor::ValueTraits<Bask::Preference>;
+    for (std::string_view const word : {"set", "clear"}) {
+        EXPECT_EQ(State::text(*State::parse(word)), word);
+    }
+    for (std::string_view const word : {"low", "high"}) {
+        EXPECT_EQ(End::text(*End::parse(word)), word);
+    }
+    EXPECT_EQ(State::parse("Set").error().expected, "set or clear");
+    EXPECT_EQ(End::parse("").error().expected, "low or high");
+}
+
 class BitmapTable : public testing::Test {
 protected:
     std::string get(Pelo::FieldId field) const {

@@ -15,6 +15,7 @@ TEST(VlanId, IsItsNumber) {
     EXPECT_EQ(VlanId(100), VlanId(100));
     EXPECT_NE(VlanId(100), VlanId(101));
     EXPECT_LT(VlanId(99), VlanId(100));
+    EXPECT_LE(VlanId(100), VlanId(100));
     EXPECT_EQ(VlanId(100).hash(), VlanId(100).hash());
     EXPECT_NE(VlanId(100).hash(), VlanId(101).hash());
 }

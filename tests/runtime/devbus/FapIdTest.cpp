@@ -17,6 +17,7 @@ TEST(FapId, IsItsNumber) {
     EXPECT_EQ(FapId(7), FapId(7));
     EXPECT_NE(FapId(7), FapId(8));
     EXPECT_LT(FapId(7), FapId(8));
+    EXPECT_LE(FapId(7), FapId(7));
 }
 
 TEST(FapId, EveryNumberReadsAsItPrintsAndHasAPlaceAndAHashOfItsOwn) {

@@ -17,25 +17,35 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// This process may have no more of a resource while the object lives.
+class Limit {
+public:
+    Limit(decltype(RLIMIT_FSIZE) resource, rlim_t atMost) : resource_(resource) {
+        ::getrlimit(resource_, &former_);
+        rlimit const limit{atMost, former_.rlim_max};
+        ::setrlimit(resource_, &limit);
+    }
+    ~Limit() { ::setrlimit(resource_, &former_); }
+    Limit(Limit const&) = delete;
+    Limit& operator=(Limit const&) = delete;
+
+private:
+    decltype(RLIMIT_FSIZE) resource_;
+    rlimit former_{};
+};
+
 /// No file of this process may become larger while the object lives.
 class FileSizeLimit {
 public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        ::getrlimit(RLIMIT_FSIZE, &former_);
-        rlimit const limit{bytes, former_.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-        formerHandler_ = std::signal(SIGXFSZ, SIG_IGN);
-    }
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &former_);
-        std::signal(SIGXFSZ, formerHandler_);
-    }
+    explicit FileSizeLimit(rlim_t bytes)
+        : formerHandler_(std::signal(SIGXFSZ, SIG_IGN)), limit_(RLIMIT_FSIZE, bytes) {}
+    ~FileSizeLimit() { std::signal(SIGXFSZ, formerHandler_); }
     FileSizeLimit(FileSizeLimit const&) = delete;
     FileSizeLimit& operator=(FileSizeLimit const&) = delete;
 
 private:
-    rlimit former_{};
     void (*formerHandler_)(int);
+    Limit limit_;
 };
 
 class CtfFolder : public RingTest {
@@ -121,6 +131,28 @@ TEST_F(CtfFolder, LeavesNothingBehindWhenWritingFails) {
     FileSizeLimit const atMost(stream);
     EXPECT_EQ(failure("empty"), std::errc::file_too_large);
     EXPECT_EQ(content(), (Content{{"empty", "(folder)"}}));
+}
+
+/// Of a file of some pages the beginning is written before the end is known.
+TEST_F(CtfFolder, LeavesNothingOfALargeFileWhoseWritingFails) {
+    for (U32 count = 0; count < 1000; ++count) {
+        write("some text", count);
+    }
+    ASSERT_GT(trace().stream().size(), 8192u);
+    FileSizeLimit const atMost(4096);
+    EXPECT_EQ(failure("trace"), std::errc::file_too_large);
+    EXPECT_EQ(content(), Content{});
+}
+
+TEST_F(CtfFolder, LeavesNothingBehindWhenNoFileCanBeOpened) {
+    int const next = ::dup(STDIN_FILENO);
+    ASSERT_GE(next, 0);
+    ::close(next);
+    {
+        Limit const noFiles(RLIMIT_NOFILE, static_cast<rlim_t>(next));
+        EXPECT_EQ(failure("trace"), std::errc::too_many_files_open);
+    }
+    EXPECT_EQ(content(), Content{});
 }
 
 } // namespace

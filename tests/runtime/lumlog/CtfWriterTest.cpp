@@ -10,6 +10,7 @@
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <span>
 
 namespace Lumlog {
 namespace {
@@ -383,6 +384,26 @@ event {
     Reader const reader(dump.bytes());
     EXPECT_EQ(StreamParser(written.stream(), reader).records(), Reader(reader).rest());
     EXPECT_EQ(written.recordCount(), 1u);
+}
+
+TEST_F(Ctf, PieceOfAnUnknownKindIsNoFieldOfItsMessage) {
+    write("n", 1);
+    Dump dump(ring_.bytes());
+    forgeDescription(dump.bytes(), [](DescriptorHeader const& header, std::span<std::byte> texts) {
+        texts[header.unitLength] = std::byte{'?'}; // the first letter of the format
+    });
+    EXPECT_EQ(eventsIn(traceOf(dump.bytes())), R"TSDL(
+/* level 3 */
+event {
+    name = "unit:12 {?}{text}name {u32}";
+    id = )TSDL" + number(0) + R"TSDL(;
+    fields := struct {
+        string text;
+        string arg0;
+        uint32_t arg1;
+    };
+};
+)TSDL");
 }
 
 TEST_F(Ctf, TraceOfAnEmptyRingHasNoEvents) {

@@ -45,6 +45,38 @@ TEST(DecodedMessage, WordingHasThePlacesOfTheArguments) {
     EXPECT_EQ(message.wording(), "first  last{?}{?}");
 }
 
+TEST(DecodedMessage, DiffersFromOneWithAnyOtherPart) {
+    DecodedMessage const message{1, 3, "unit", 12, "ws", {"name "}};
+    std::vector<DecodedMessage> others(6, message);
+    others[0].msgId = 2;
+    others[1].level = 4;
+    others[2].unit = "other";
+    others[3].line = 13;
+    others[4].format = "w";
+    others[5].words = {"Name "};
+    EXPECT_EQ(DecodedMessage(message), message);
+    for (DecodedMessage const& other : others) {
+        EXPECT_NE(other, message);
+    }
+}
+
+TEST(DecodedRecord, DiffersFromOneWithAnyOtherPart) {
+    DecodedRecord const record{1, 1000, 3, "unit", 12, 2, "name n", {std::string("n")}};
+    std::vector<DecodedRecord> others(8, record);
+    others[0].sequence = 2;
+    others[1].time = 1001;
+    others[2].level = 4;
+    others[3].unit = "other";
+    others[4].line = 13;
+    others[5].msgId = 3;
+    others[6].text = "name m";
+    others[7].args = {U64{1}};
+    EXPECT_EQ(DecodedRecord(record), record);
+    for (DecodedRecord const& other : others) {
+        EXPECT_NE(other, record);
+    }
+}
+
 TEST_F(DecodedMessageTest, ArgumentsOfARecordKeepTheirTypes) {
     static constinit MsgDescriptor site("args", 1, 0);
     record(ring_, site, "a ", true, U8{1}, U16{2}, U32{3}, U64{4}, -5, " b ", "text"sv,

@@ -39,5 +39,20 @@ TEST(MsgDescriptorDeathTest, UnassignedNumberIsFatal) {
                  "Assertion 'msgId_ >= 0' failed");
 }
 
+TEST(MsgDescriptorDeathTest, TooManyLiteralsAreFatal) {
+    MsgDescriptor site("unit", 1, 0);
+    std::array<Qor::Words, MsgDescriptor::maxWords + 1> const words;
+    EXPECT_DEATH(site.withWords("", words), "Assertion 'words.size\\(\\) <= maxWords' failed");
+}
+
+TEST(MsgDescriptorDeathTest, MoreMessagesThanThereAreNumbersAreFatal) {
+    auto const numberAll = [] {
+        for (U32 message = 0; message <= MsgDescriptor::maxMessages; ++message) {
+            MsgDescriptor("unit", 1, 0).withWords("", {});
+        }
+    };
+    EXPECT_DEATH(numberAll(), "Assertion 'assigned < maxMessages' failed");
+}
+
 } // namespace
 } // namespace Lumlog

@@ -213,6 +213,23 @@ TEST_F(ReaderTest, SurvivesAnyDamage) {
     }
 }
 
+TEST_F(RingTest, DescriptionForgedToHaveMoreLiteralsThanItHoldsIsLost) {
+    write("n", 1);
+    Dump dump(ring_.bytes());
+    forgeDescription(dump.bytes(), [](DescriptorHeader& header, auto) { header.wordCount = 999; });
+    EXPECT_EQ(textsIn(dump.bytes()), Texts{std::string(DecodedMessage::lost)});
+    EXPECT_TRUE(Reader(dump.bytes()).messages().empty());
+}
+
+TEST_F(RingTest, RecordOfADescriptionForgedToHaveFewerLiteralsThanItUsesIsLeftOut) {
+    write("n", 1);
+    Dump dump(ring_.bytes());
+    forgeDescription(dump.bytes(), [](DescriptorHeader& header, auto) { header.wordCount = 1; });
+    Reader reader(dump.bytes());
+    EXPECT_FALSE(reader.next());
+    EXPECT_EQ(reader.damaged(), 1u);
+}
+
 /// Headers that pass their check, as only somebody who means harm would make them.
 TEST_F(ReaderTest, ForgedSizesDoNotLeadOutsideTheBytes) {
     for (std::size_t const field :
@@ -240,6 +257,15 @@ TEST_F(ReaderTest, LeavesOutWhatIsOverwrittenWhileItReads) {
     EXPECT_EQ(rest, std::vector(original_.end() - static_cast<std::ptrdiff_t>(rest.size()),
                                 original_.end()));
     EXPECT_EQ(reader.damaged() + rest.size() + 1, original_.size());
+}
+
+TEST_F(ReaderTest, LeavesOutRecordsWhoseBytesGoWhileItReads) {
+    Layout const layout(ring_.bytes());
+    Dump dump(ring_.bytes());
+    Reader reader(dump.bytes());
+    std::ranges::fill(dump.bytes().subspan(layout.header.recordOffset), std::byte{0});
+    EXPECT_FALSE(reader.next());
+    EXPECT_EQ(reader.damaged(), original_.size());
 }
 
 /// The bytes of a record may be whole still, or look so, when the writer has already begun to write

@@ -213,6 +213,12 @@ TEST(RingBufferDeathTest, UnassignedMessageCannotBeWritten) {
     EXPECT_DEATH(ring.startMsg(site, 8), "Assertion 'msgId_ >= 0' failed");
 }
 
+TEST(RingBufferDeathTest, MessageThatCannotBeIsNotSwitched) {
+    RingBuffer ring(RingBuffer::minSize);
+    EXPECT_DEATH(ring.messageEnabledIs(MsgDescriptor::maxMessages, false),
+                 "Assertion 'msgId < MsgDescriptor::maxMessages' failed");
+}
+
 /// The tests below change the current ring and put back the one before.
 class CurrentRing : public testing::Test {
 protected:

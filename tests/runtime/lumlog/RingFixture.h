@@ -4,12 +4,14 @@
 #include "lumlog/Reader.h"
 #include "lumlog/Record.h"
 #include "lumlog/RingBuffer.h"
+#include "lumlog/RingFormat.h"
 #include "pelo/Integers.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <ostream>
 #include <span>
@@ -48,6 +50,21 @@ private:
     std::size_t size_;
     std::unique_ptr<std::byte[]> bytes_;
 };
+
+/// Changes the first description in a copy of a ring, as only somebody would who means harm: the
+/// check is right afterwards. `change` gets the header and the texts behind it.
+template <class Change> void forgeDescription(std::span<std::byte> ring, Change change) {
+    RingFormat::RingHeader ringHeader;
+    std::memcpy(&ringHeader, ring.data(), sizeof ringHeader);
+    auto const descriptors = ring.subspan(ringHeader.descriptorOffset);
+    RingFormat::DescriptorHeader header;
+    std::memcpy(&header, descriptors.data(), sizeof header);
+    auto const bytes = descriptors.first(header.size);
+    change(header, bytes.subspan(sizeof header));
+    std::memcpy(bytes.data(), &header, sizeof header);
+    header.check = RingFormat::descriptorCheck(bytes);
+    std::memcpy(bytes.data(), &header, sizeof header);
+}
 
 /// A ring of its own, the smallest that there is.
 class RingTest : public testing::Test {

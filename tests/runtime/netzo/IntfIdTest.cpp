@@ -94,6 +94,8 @@ TEST(IntfId, ShortNameIsTwoLettersAndTheTextFromTheFirstDigit) {
         {"_Ethernet1", "_Ethernet1"},
         {"E-thernet1", "E-thernet1"},
         {"\xC3\xA4thernet1", "\xC3\xA4thernet1"},
+        {"{Ethernet1", "{Ethernet1"},
+        {"E{thernet1", "E{thernet1"},
         {"Et", "Et"},
         {"E", "E"},
         {"", ""},

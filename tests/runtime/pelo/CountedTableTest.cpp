@@ -1,5 +1,6 @@
 #include "pelo/CountedTable.h"
 
+#include "support/Allocations.h"
 #include "support/MultiThreaded.h"
 #include "support/Random.h"
 
@@ -65,6 +66,28 @@ TEST(CountedTable, EqualEntriesAreOne) {
     numbers.release(four);
     numbers.release(seven);
     EXPECT_EQ(numbers.size(), 0u);
+}
+
+TEST(CountedTable, NothingIsUsedBeforeTheFirstEntry) {
+    Numbers const numbers(3);
+    EXPECT_EQ(numbers.uses(4), 0u);
+    EXPECT_EQ(numbers.size(), 0u);
+}
+
+TEST(CountedTable, WithoutMemoryToShrinkEntriesStayWhereTheyAre) {
+    Numbers numbers(300);
+    std::vector<Entry*> entries;
+    for (U32 key = 0; key < 300; ++key) {
+        entries.push_back(numbers.take(key));
+    }
+    Support::FailingAllocations const noMemory(0);
+    for (; entries.size() > 1; entries.pop_back()) {
+        numbers.release(entries.back());
+    }
+    EXPECT_EQ(numbers.size(), 1u);
+    EXPECT_EQ(numbers.uses(0), 1u);
+    numbers.release(entries.front());
+    EXPECT_EQ(Entry::live, 0);
 }
 
 TEST(CountedTable, LastReleaseDestroysTheEntry) {

@@ -287,6 +287,22 @@ TEST_F(PublisherReentry, LastPointerToThePublishersOwnerMayGo) {
     EXPECT_FALSE(b.subscriber.subscribed());
 }
 
+TEST_F(PublisherReentry, LastPointerToThePublishersOwnerMayGoWhenSomebodyHasLeft) {
+    bool gone = false;
+    auto tower = Pelo::newNode<Tower>(gone);
+    Reactor breaker(calls, "breaker", [&] {
+        tower->publisher()->subscriberRemove(&a.subscriber);
+        tower = nullptr;
+    });
+    for (Pelo::Subscriber* const each : {&a.subscriber, &breaker.subscriber, &b.subscriber}) {
+        tower->publisher()->subscriberAdd(each, false);
+    }
+    tower->change(1);
+    EXPECT_TRUE(gone);
+    EXPECT_EQ(calls, (Calls{"a 131.1", "breaker 131.1"}));
+    EXPECT_FALSE(breaker.subscriber.subscribed());
+}
+
 /// A subscriber changes the tower again, and again, and then drops the last pointer to it; `others`
 /// are subscribed behind it.
 void expectTowerMayGoInANestedChange(Calls& calls, std::vector<Pelo::Subscriber*> const& others) {

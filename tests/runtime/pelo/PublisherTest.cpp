@@ -174,6 +174,14 @@ TEST_F(PublisherTest, WithoutMemoryASubscriberStaysWhereItWas) {
     EXPECT_EQ(calls, (Calls{"a 131.1"}));
 }
 
+TEST(KeysEqual, ComparesWhatThePointersPointTo) {
+    U32 const seven = 7;
+    U32 const alsoSeven = 7;
+    U32 const eight = 8;
+    EXPECT_TRUE(Pelo::keysEqual<U32>(&seven, &alsoSeven));
+    EXPECT_FALSE(Pelo::keysEqual<U32>(&seven, &eight));
+}
+
 TEST_F(PublisherTest, ManySubscribersAreEachToldOnce) {
     std::vector<std::unique_ptr<Reactor>> many;
     Calls expected;

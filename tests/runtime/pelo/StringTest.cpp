@@ -96,6 +96,18 @@ TEST(String, EqualityIsThatOfTheBytes) {
     EXPECT_NE(String("a\0b"sv), String("a\0c"sv));
 }
 
+TEST(String, TextsOfOneHashAreEqualOnlyByTheirBytes) {
+    // A word of these bytes wipes out what the ones before it have left in the hash.
+    U64 const wiping = 0xD6E8FEB86659FD93u;
+    std::string word(sizeof wiping, '\0');
+    std::memcpy(word.data(), &wiping, sizeof wiping);
+    String const one("Ethernet" + word);
+    String const other("Loopback" + word);
+    ASSERT_EQ(one.hash(), other.hash());
+    EXPECT_NE(one, other);
+    EXPECT_EQ(one, String("Ethernet" + word));
+}
+
 TEST(String, ComparesWithPlainTextWithoutMakingAString) {
     String const text("bgp");
     std::string const plain = "bgp";

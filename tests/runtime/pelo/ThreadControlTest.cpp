@@ -11,6 +11,7 @@
 namespace {
 
 using Pelo::countDec;
+using Pelo::countDecUnlessLast;
 using Pelo::countInc;
 using Pelo::ThreadControl;
 using Pelo::ThreadControlGuard;
@@ -35,6 +36,17 @@ TEST(ThreadControl, CountsAreTheSameOnAndOff) {
         EXPECT_EQ(count, 1u);
         EXPECT_TRUE(countDec(count));
         EXPECT_EQ(count, 0u);
+    }
+    ThreadControl::multiThreadedIs(false);
+}
+
+TEST(ThreadControl, LastUseIsKeptOnAndOff) {
+    for (bool const on : {false, true}) {
+        ThreadControl::multiThreadedIs(on);
+        U32 count = 2;
+        EXPECT_TRUE(countDecUnlessLast(count));
+        EXPECT_FALSE(countDecUnlessLast(count));
+        EXPECT_EQ(count, 1u);
     }
     ThreadControl::multiThreadedIs(false);
 }

@@ -128,6 +128,12 @@ TEST_F(CollectionIteration, CopiesShareOnePosition) {
     EXPECT_EQ(Qor::GenericValue::of(it).text(), "b");
 }
 
+TEST_F(CollectionIteration, CannotBeReadFromText) {
+    auto const read = Qor::valueTypeOf<CollectionIterator>().parse("a");
+    ASSERT_FALSE(read);
+    EXPECT_EQ(read.error().expected, "a Qor::CollectionIterator, which cannot be given as text");
+}
+
 TEST_F(CollectionIteration, KeepsTheOwnerAlive) {
     CollectionIterator it = alarms();
     U64 const live = Fan::allocationTracker().live();

@@ -33,6 +33,12 @@ protected:
     ColourType const type{"Test::Colour", colours};
 };
 
+TEST_F(EnumType, HasItsNameAndItsEnumeratorsInOrder) {
+    EXPECT_STREQ(type.name(), "Test::Colour");
+    EXPECT_EQ(type.enumerators().data(), colours);
+    EXPECT_EQ(type.enumerators().size(), 3u);
+}
+
 TEST_F(EnumType, FindsEnumeratorsByValueAndByName) {
     for (auto const& colour : colours) {
         EXPECT_EQ(type.find(colour.value), &colour);
@@ -69,6 +75,7 @@ TEST_F(EnumType, ReadsAWholeText) {
 TEST_F(EnumType, ReadsUpToTheEndOfTheName) {
     EXPECT_EQ(read("red, blue_2"), (Read{3, 1}));
     EXPECT_EQ(read("redOrange-red"), (Read{9, 5}));
+    EXPECT_EQ(read("blue_2}"), (Read{6, 7}));
     EXPECT_EQ(read(std::string_view("red\0x", 5)), (Read{3, 1}));
 }
 

@@ -1,6 +1,7 @@
 #include "Fan.h"
 #include "qor/Exceptions.h"
 #include "qor/Inspection.h"
+#include "qor/TypeBuilder.h"
 
 #include <gtest/gtest.h>
 
@@ -117,6 +118,23 @@ TEST_F(CallByName, RefusesWhatIsNoOperation) {
     Ptr<Blade> const blade = Ptr<Blade>::adopt(new Blade);
     EXPECT_EQ(callOn(*blade, "selfTest", {}),
               "refused operation@0: an operation of an entity that has any");
+}
+
+TEST_F(CallByName, SaysThatATypeHasNoOperations) {
+    class Label final : public Pelo::Node {
+    public:
+        U32 number() const { return 7; }
+        Qor::TypeData const* typeData() const override {
+            static Qor::TypeData const table = Qor::TypeBuilder<Label>("Cooling::Label")
+                                                   .attribute(130, "number", &Label::number)
+                                                   .build();
+            return &table;
+        }
+    };
+    auto const label = Pelo::newNode<Label>();
+    EXPECT_EQ(Qor::inspectOperation(*label, 130, Qor::OpCode::get).text(), "7");
+    EXPECT_EQ(callOn(*label, "number", {}),
+              "refused operation@0: an operation of Cooling::Label, which has none");
 }
 
 TEST_F(CallByName, RefusesAWrongNumberOfArguments) {

@@ -2,6 +2,7 @@
 
 #include "Fan.h"
 #include "qor/Exceptions.h"
+#include "qor/TypeBuilder.h"
 
 #include <gtest/gtest.h>
 
@@ -87,6 +88,8 @@ TEST(GenericValue, GivesItsEntityForFurtherInspection) {
     EXPECT_EQ(GenericValue::of(Ptr<Fan const>(fan)).node(), fan.get());
     EXPECT_EQ(GenericValue::of(Ptr<Fan const>(fan)).mutableNode(), nullptr);
     EXPECT_EQ(GenericValue::of(Ptr<Fan>()).node(), nullptr);
+    EXPECT_EQ(GenericValue().node(), nullptr);
+    EXPECT_EQ(GenericValue().mutableNode(), nullptr);
     EXPECT_EQ(GenericValue::of(true).node(), nullptr);
     EXPECT_EQ(fan->useCount(), 1u);
 }
@@ -109,6 +112,24 @@ TEST(GenericValue, PrintsItsText) {
         << GenericValue::of(Ptr<Blade>::adopt(new Blade));
     EXPECT_EQ(out.str(),
               "nothing, true, 200, name, 5, Cooling::Fan \"left\", null, Cooling::Blade");
+}
+
+/// A node whose table has no name, but an operation that is called so.
+class Caller final : public Pelo::Node {
+public:
+    U32 name() { return 7; }
+    Qor::TypeData const* typeData() const override {
+        static Qor::TypeData const table = Qor::TypeBuilder<Caller>("Cooling::Caller")
+                                               .operation(130, "name", &Caller::name)
+                                               .build();
+        return &table;
+    }
+};
+
+TEST(GenericValue, EntityWithoutANameReadsAsItsType) {
+    auto const caller = Pelo::newNode<Caller>();
+    EXPECT_EQ(GenericValue::of(caller).text(), "Cooling::Caller");
+    EXPECT_EQ(caller->name(), 7u);
 }
 
 TEST(ValueType, HasNameAndKind) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <memory>
 
 namespace Qor {
 namespace {
@@ -227,6 +228,16 @@ TEST(LogHandle, IsFoundByIdWhileItLives) {
         EXPECT_EQ(&secondHandle.descriptor(), &second);
     }
     EXPECT_EQ(LogHandle::find("LOG_TEST_FIRST"), nullptr);
+}
+
+TEST(LogHandle, MayGoBeforeThoseThatWereBuiltAfterIt) {
+    static constexpr LogDescriptor olderOne{"LOG_TEST_OLDER", "%s", "", "", 3};
+    static constexpr LogDescriptor newerOne{"LOG_TEST_NEWER", "%s", "", "", 3};
+    auto older = std::make_unique<LogHandle>(olderOne);
+    LogHandle const newer(newerOne);
+    older = nullptr;
+    EXPECT_EQ(LogHandle::find("LOG_TEST_OLDER"), nullptr);
+    EXPECT_EQ(LogHandle::find("LOG_TEST_NEWER"), &newer);
 }
 
 TEST(LogHandleDeathTest, RefusesArgumentsWithoutMeaning) {

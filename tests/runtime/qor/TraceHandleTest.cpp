@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 namespace Qor {
 namespace {
 
@@ -59,6 +61,14 @@ TEST(TraceHandle, IsFoundByNameWhileItLives) {
     }
     EXPECT_EQ(TraceHandle::find("TraceHandleTest first"), nullptr);
     EXPECT_EQ(TraceHandle::find("TraceHandleTest second"), nullptr);
+}
+
+TEST(TraceHandle, MayGoBeforeThoseThatWereBuiltAfterIt) {
+    auto older = std::make_unique<TraceHandle>("TraceHandleTest older", false);
+    TraceHandle const newer("TraceHandleTest newer", false);
+    older = nullptr;
+    EXPECT_EQ(TraceHandle::find("TraceHandleTest older"), nullptr);
+    EXPECT_EQ(TraceHandle::find("TraceHandleTest newer"), &newer);
 }
 
 class TraceHandleAndRing : public SinkTest {};

@@ -62,6 +62,17 @@ TEST(TypeData, KeepsTheDocumentationOfTheTypeAndOfEachField) {
     EXPECT_EQ(Sensor::typeTable().documentation(), "");
 }
 
+TEST(TypeData, UnqualifiedNameIsWhatStandsBehindTheNamespaces) {
+    EXPECT_EQ(TypeBuilder<Fan>("Fan").build().unqualifiedName(), "Fan");
+    EXPECT_EQ(TypeBuilder<Fan>("Cooling::Fan").build().unqualifiedName(), "Fan");
+    EXPECT_EQ(TypeBuilder<Fan>("House::Cooling::Fan").build().unqualifiedName(), "Fan");
+}
+
+TEST(TypeData, OnlyAnOperationHasArguments) {
+    EXPECT_EQ(Fan::typeTable().fieldByName("selfTest")->arguments().size(), 2u);
+    EXPECT_TRUE(Fan::typeTable().fieldByName("speed")->arguments().empty());
+}
+
 TEST(TypeData, AcceptsOperationCodesAsDeclared) {
     auto const codes = [](char const* name) {
         std::string text;
@@ -100,7 +111,15 @@ TEST(TypeBuilderDeathTest, StopsOnADocumentationThatIsThereTwice) {
         "documentation.empty\\(\\)");
 }
 
+TEST(TypeBuilderDeathTest, StopsOnASecondConstructor) {
+    EXPECT_DEATH(TypeBuilder<Fan>("F")
+                     .constructor(&Fan::FanIs, {"name", "slot", "neighbour"})
+                     .constructor(&Fan::FanIs, {"name", "slot", "neighbour"}),
+                 "!constructor_.has_value\\(\\)");
+}
+
 TEST(TypeBuilderDeathTest, StopsOnAMutatorThatDoesNotFit) {
+    EXPECT_DEATH(TypeBuilder<Fan>("F").detach(&Fan::motorDel), "!fields_.empty\\(\\)");
     EXPECT_DEATH(TypeBuilder<Fan>("F").set(&Fan::speedIs), "!fields_.empty\\(\\)");
     EXPECT_DEATH(TypeBuilder<Fan>("F").attribute(1, "slot", &Fan::slot).set(&Fan::speedIs),
                  "std::equal");
@@ -131,6 +150,7 @@ TEST(TypeModule, RegistersItsTypesWhileItLives) {
         EXPECT_EQ(TypeModule::all().size(), before + 1);
         EXPECT_EQ(TypeModule::all().back(), &module);
         EXPECT_EQ(TypeModule::find("Cooling"), &module);
+        EXPECT_STREQ(module.name(), "Cooling");
         EXPECT_EQ(TypeModule::of(Fan::typeTable()), &module);
         EXPECT_EQ(module.indexOf(Sensor::typeTable()), 0u);
         EXPECT_EQ(module.indexOf(Fan::typeTable()), 1u);
@@ -152,6 +172,14 @@ TEST(TypeModule, TakesAnAmbiguousShortNameForNone) {
     EXPECT_EQ(TypeData::find("Heating::Fan"), &other);
     EXPECT_EQ(TypeData::find("Cooling::Fan"), &Fan::typeTable());
     EXPECT_EQ(heating.indexOf(Fan::typeTable()), std::nullopt);
+}
+
+TEST(TypeModule, TakesATypeThatIsCalledLikeTheUnqualifiedNameOfAnother) {
+    TypeModule const cooling("Cooling", {&Fan::typeTable()});
+    TypeData const plain = TypeBuilder<Fan>("Fan").build();
+    TypeModule const other("Other", {&plain});
+    EXPECT_EQ(TypeData::find("Fan"), &plain);
+    EXPECT_EQ(TypeData::find("Cooling::Fan"), &Fan::typeTable());
 }
 
 TEST(TypeModuleDeathTest, StopsOnANameThatIsThereTwice) {

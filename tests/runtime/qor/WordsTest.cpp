@@ -20,6 +20,11 @@ TEST(Words, AreALiteral) {
     EXPECT_STREQ(EdgeKind::label.data(), " vlan: ");
 }
 
+TEST(Words, MayBeGivenWhereTextIsExpected) {
+    std::string_view const text = EdgeKind::label;
+    EXPECT_EQ(text, " vlan: ");
+}
+
 TEST(Words, CannotBeMadeOfAPointer) {
     EXPECT_FALSE((std::is_constructible_v<Words, char const*>));
     EXPECT_FALSE((std::is_constructible_v<Words, std::string_view>));
