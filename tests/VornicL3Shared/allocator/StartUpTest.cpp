@@ -192,6 +192,18 @@ TEST_F(StartUp, WithoutAReferenceListIsNotSubscribedToIt) {
     EXPECT_TRUE(world.sm->vpIndexAllocatorHas("bgp"));
 }
 
+TEST_F(StartUp, WithoutAReferenceListCleansStatusesUpAndKnowsNothingStale) {
+    world.client("bgp");
+    world.status("bgp").vlanVportIs(vlan(100).key, VirtualPort(12));
+    world.references = nullptr;
+    world.start();
+    EXPECT_EQ(world.indexOf("bgp", vlan(100)), 65535);
+    world.capture.forget();
+    world.sm->clearStaleEntries();
+    EXPECT_EQ(world.capture.traces(), Test::Lines{"1 clearStaleEntries"});
+    EXPECT_EQ(world.pool(), "16: 0-7");
+}
+
 TEST_F(StartUp, WithoutAConfigDirectoryIsNotSubscribedToIt) {
     world.configDir = nullptr;
     world.start();
