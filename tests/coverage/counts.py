@@ -1,8 +1,10 @@
 """What an export of llvm-cov says of each file: which lines ran, and which way its conditions went.
 
 Instantiations of a template, and the copies of an inline function, count as one: a line or an
-outcome of a condition is taken when any of them takes it. A condition within a macro counts once for
-each place that uses the macro.
+outcome of a condition is taken when any of them takes it. A template that nobody instantiates does
+not count. A condition within a macro counts once for each place that uses the macro. What stands
+behind a call that throws or ends the process counts as run, up to the next branch; conditions that
+the compiler decides or has written itself, as for `= default`, do not count.
 """
 
 from collections import Counter
