@@ -200,7 +200,7 @@ TEST_F(StartUp, WithoutAReferenceListCleansStatusesUpAndKnowsNothingStale) {
     EXPECT_EQ(world.indexOf("bgp", vlan(100)), 65535);
     world.capture.forget();
     world.sm->clearStaleEntries();
-    EXPECT_EQ(world.capture.traces(), Test::Lines{"1 clearStaleEntries"});
+    EXPECT_EQ(world.capture.traces(), Lines{"1 clearStaleEntries"});
     EXPECT_EQ(world.pool(), "16: 0-7");
 }
 

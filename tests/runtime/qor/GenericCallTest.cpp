@@ -6,8 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -135,6 +137,27 @@ TEST_F(CallByName, SaysThatATypeHasNoOperations) {
     EXPECT_EQ(Qor::inspectOperation(*label, 130, Qor::OpCode::get).text(), "7");
     EXPECT_EQ(callOn(*label, "number", {}),
               "refused operation@0: an operation of Cooling::Label, which has none");
+}
+
+TEST_F(CallByName, ResultThatMayBeMissingIsNothingThen) {
+    class Drawer final : public Pelo::Node {
+    public:
+        std::optional<U32> find(bool there) const {
+            return there ? std::optional<U32>(7) : std::nullopt;
+        }
+        Qor::TypeData const* typeData() const override {
+            static Qor::TypeData const table = Qor::TypeBuilder<Drawer>("Cooling::Drawer")
+                                                   .operation(130, "find", &Drawer::find, {"there"})
+                                                   .build();
+            return &table;
+        }
+    };
+    auto const drawer = Pelo::newNode<Drawer>();
+    std::vector<std::string_view> const there{"true"};
+    std::vector<std::string_view> const missing{"false"};
+    EXPECT_EQ(Qor::callByName(*drawer, "find", there).value, GenericValue::of(U32{7}));
+    EXPECT_EQ(Qor::callByName(*drawer, "find", missing).value, GenericValue());
+    EXPECT_EQ(drawer->typeData()->fieldByName("find")->signature(), "find(there: bool): U32 const");
 }
 
 TEST_F(CallByName, RefusesAWrongNumberOfArguments) {

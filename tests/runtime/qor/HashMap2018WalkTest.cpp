@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <utility>
 
 namespace {
@@ -89,6 +90,20 @@ TEST_F(HashMap2018Walk, VisitsMembersInsertedMeanwhile) {
                   }
               }).size(),
               5u * 11);
+}
+
+TEST_F(HashMap2018Walk, KeepsItsPlaceWhenTheArrayIsMovedAndHolesBeforeItAreClosed) {
+    Numbers all(100);
+    std::iota(all.begin(), all.end(), 1u);
+    EXPECT_EQ(visited([this](U32 key) {
+                  if (key == 4) {
+                      remove(2);
+                      for (U32 more = 6; more <= 100; ++more) {
+                          insert(more);
+                      }
+                  }
+              }),
+              all);
 }
 
 TEST_F(HashMap2018Walk, VisitsAMemberInsertedAtTheLastOne) {
