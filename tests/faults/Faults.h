@@ -1,0 +1,15 @@
+#pragma once
+
+/// Which of the planted faults a program runs with. Every source of the scratch copy includes it
+/// before all else.
+namespace Faults {
+
+/// The number in the environment variable VORNIC_FAULT; 0 without it.
+[[gnu::visibility("default")]] extern unsigned chosen;
+
+/// What the compiler computes has no faults.
+constexpr bool planted(unsigned fault) noexcept {
+    return !__builtin_is_constant_evaluated() && chosen == fault;
+}
+
+} // namespace Faults
