@@ -6,6 +6,7 @@
 namespace {
 
 thread_local U32 allocations = 0;
+thread_local std::int64_t alive = 0;
 thread_local bool failing = false;
 thread_local U32 passing = 0;
 
@@ -26,7 +27,13 @@ void* allocate(std::size_t size, std::size_t alignment) {
     if (storage == nullptr) {
         throw std::bad_alloc();
     }
+    ++alive;
     return storage;
+}
+
+void giveBack(void* storage) noexcept {
+    alive -= storage == nullptr ? 0 : 1;
+    std::free(storage);
 }
 
 void* allocateOrNull(std::size_t size) noexcept {
@@ -48,8 +55,9 @@ FailingAllocations::FailingAllocations(U32 allowed) noexcept {
 
 FailingAllocations::~FailingAllocations() { failing = false; }
 
-CountedAllocations::CountedAllocations() noexcept : before_(allocations) {}
+CountedAllocations::CountedAllocations() noexcept : before_(allocations), liveBefore_(alive) {}
 U32 CountedAllocations::count() const noexcept { return allocations - before_; }
+std::int64_t CountedAllocations::live() const noexcept { return alive - liveBefore_; }
 
 } // namespace Support
 
@@ -69,13 +77,11 @@ void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
     return allocateOrNull(size);
 }
 
-void operator delete(void* storage) noexcept { std::free(storage); }
-void operator delete[](void* storage) noexcept { std::free(storage); }
-void operator delete(void* storage, std::size_t) noexcept { std::free(storage); }
-void operator delete[](void* storage, std::size_t) noexcept { std::free(storage); }
-void operator delete(void* storage, std::align_val_t) noexcept { std::free(storage); }
-void operator delete[](void* storage, std::align_val_t) noexcept { std::free(storage); }
-void operator delete(void* storage, std::size_t, std::align_val_t) noexcept { std::free(storage); }
-void operator delete[](void* storage, std::size_t, std::align_val_t) noexcept {
-    std::free(storage);
-}
+void operator delete(void* storage) noexcept { giveBack(storage); }
+void operator delete[](void* storage) noexcept { giveBack(storage); }
+void operator delete(void* storage, std::size_t) noexcept { giveBack(storage); }
+void operator delete[](void* storage, std::size_t) noexcept { giveBack(storage); }
+void operator delete(void* storage, std::align_val_t) noexcept { giveBack(storage); }
+void operator delete[](void* storage, std::align_val_t) noexcept { giveBack(storage); }
+void operator delete(void* storage, std::size_t, std::align_val_t) noexcept { giveBack(storage); }
+void operator delete[](void* storage, std::size_t, std::align_val_t) noexcept { giveBack(storage); }

@@ -2,6 +2,8 @@
 
 #include "pelo/Integers.h"
 
+#include <cstdint>
+
 /// What a test can know and decide of its own thread's allocations: every `new` of the program,
 /// those of the libraries included. A program that uses it links `support/Allocations.cpp`.
 namespace Support {
@@ -15,14 +17,17 @@ public:
     FailingAllocations& operator=(FailingAllocations const&) = delete;
 };
 
-/// Counts the allocations from its construction on.
+/// Counts the allocations from its construction on, and those of them that are not given back.
 class CountedAllocations {
 public:
     CountedAllocations() noexcept;
     U32 count() const noexcept;
+    /// Negative when more was given back than taken.
+    std::int64_t live() const noexcept;
 
 private:
     U32 before_;
+    std::int64_t liveBefore_;
 };
 
 } // namespace Support

@@ -1,5 +1,6 @@
 #include "vpstate/VpNames.h"
 
+#include "support/Allocations.h"
 #include "support/MultiThreaded.h"
 #include "support/ParseOutcome.h"
 #include "support/Random.h"
@@ -220,6 +221,20 @@ TEST(VpNames, LastCopyKeepsTheNamesWhenTheOthersAreGone) {
     Pelo::String const* const before = last.begin();
     EXPECT_TRUE(last.remove(nameOf(19).c_str()));
     EXPECT_EQ(last.begin(), before); // in its own block again
+}
+
+TEST(VpNames, GivesEverythingBackHoweverItGrew) {
+    for (std::size_t const size : sizes) {
+        Support::CountedAllocations const since;
+        {
+            VpNames names = namesOf(size);
+            VpNames const copy(names);
+            names.add("another");
+            names.remove(nameOf(0).c_str());
+            names.clear();
+        }
+        EXPECT_EQ(since.live(), 0) << size;
+    }
 }
 
 TEST(VpNames, CopiesOfOneBlockBelongToDifferentThreads) {

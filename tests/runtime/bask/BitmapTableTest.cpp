@@ -74,6 +74,13 @@ TEST_F(BitmapTable, ReadsThePreferenceFromItsTwoWords) {
               "expected low or high (argument preference)");
 }
 
+TEST_F(BitmapTable, NamesPreferencesAndArguments) {
+    EXPECT_EQ(GenericValue::of(Bask::Preference::low).text(), "low");
+    EXPECT_EQ(GenericValue::of(Bask::Preference::high).text(), "high");
+    EXPECT_EQ(Bitmap::typeTable().fieldByNumber(137)->signature(),
+              "findClearBitInRange(lo: U32, hi: U32, preference: Bask::Preference): U32 const");
+}
+
 TEST_F(BitmapTable, ChangesNoConstantBitmap) {
     std::vector<std::string_view> const bit{"3"};
     EXPECT_THROW(Qor::callByName(std::as_const(*bits), "setBit", bit), Qor::ConstEntityException);

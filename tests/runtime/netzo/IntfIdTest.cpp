@@ -53,6 +53,16 @@ TEST(IntfId, IdsOfOneNameAreEqualAndOthersAreNot) {
     EXPECT_NE(one, IntfId());
 }
 
+TEST(IntfId, NamesOfOneHashAreToldApart) {
+    std::string const forgetful =
+        "\x93\xFD\x59\x66\xB8\xFE\xE8\xD6"; // a word that makes the hash 0
+    IntfId const one("Ethernet" + forgetful);
+    IntfId const other("Loopback" + forgetful);
+    ASSERT_EQ(one.hash(), other.hash());
+    EXPECT_NE(one, other);
+    EXPECT_EQ(other.name(), "Loopback" + forgetful);
+}
+
 TEST(IntfId, HashIsThatOfTheNameAsAString) {
     EXPECT_EQ(IntfId("Ethernet1").hash(), Pelo::String("Ethernet1").hash());
 }

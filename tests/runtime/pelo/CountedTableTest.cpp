@@ -113,6 +113,19 @@ TEST(CountedTable, FailureToMakeAnEntryLeavesTheTableAsItWas) {
     numbers.release(entry);
 }
 
+TEST(CountedTable, ReleasesMakeTheArraySmallerAgain) {
+    Numbers numbers(1000);
+    std::vector<Entry*> entries;
+    for (U32 key = 0; key < 1000; ++key) {
+        entries.push_back(numbers.take(key));
+    }
+    Support::CountedAllocations const since;
+    for (Entry* const entry : entries) {
+        numbers.release(entry);
+    }
+    EXPECT_EQ(since.count(), 7u); // arrays of 1024 slots, 512 and so on down to 16
+}
+
 /// The table against a map, through growth and shrinking.
 void agreesWithAMap(Support::Random& random, Numbers& numbers) {
     std::map<U32, std::vector<Entry*>> model;

@@ -2,6 +2,7 @@
 #include "pelo/Ptr.h"
 #include "pelo/Publisher.h"
 #include "runtime/pelo/Reactor.h"
+#include "support/Allocations.h"
 
 #include <gtest/gtest.h>
 
@@ -104,6 +105,23 @@ TEST_F(PublisherReentry, WhoIsRemovedAndAddedAgainWaitsForTheNextChange) {
     EXPECT_EQ(heard(2), (Calls{"turner 131.2", "b 131.2"}));
     turner.subscriber.publisher()->subscriberRemove(&turner.subscriber);
     EXPECT_EQ(heard(3), (Calls{"b 131.3", "a 131.3"}));
+}
+
+TEST_F(PublisherReentry, WhoLeavesAndComesBackWithEachChangeTakesNoMoreRoom) {
+    Reactor turner(calls, "turner", [&] {
+        remove(a);
+        add(a);
+    });
+    add(turner);
+    add(a);
+    heard(1);
+    calls.reserve(3000);
+    Support::CountedAllocations const since;
+    for (int change = 0; change < 1000; ++change) {
+        publish(publisher, 131, 2);
+        calls.clear();
+    }
+    EXPECT_EQ(since.count(), 0u);
 }
 
 TEST_F(PublisherReentry, LastSubscriberThatLeavesEndsTheChange) {

@@ -86,6 +86,17 @@ TEST(String, TextLivesAsLongAsAnyCopy) {
     EXPECT_EQ(last, "Port-Channel7");
 }
 
+TEST(String, LastCopyGivesTheStorageBack) {
+    Support::CountedAllocations const since;
+    {
+        String const first("Port-Channel7");
+        String second(first);
+        second = String("Ethernet1");
+    }
+    EXPECT_EQ(since.count(), 2u);
+    EXPECT_EQ(since.live(), 0);
+}
+
 TEST(String, EqualityIsThatOfTheBytes) {
     EXPECT_EQ(String("bgp"), String("bgp"));
     EXPECT_EQ(String("bgp").hash(), String("bgp").hash());
