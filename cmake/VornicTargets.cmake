@@ -40,8 +40,18 @@ if(VORNIC_HARDEN AND NOT VORNIC_SANITIZE)
     target_link_options(vornic_instruments INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
 endif()
 if(VORNIC_COVERAGE)
-    target_compile_options(vornic_instruments INTERFACE --coverage)
-    target_link_options(vornic_instruments INTERFACE --coverage)
+    if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+        # Counts what stands in the source. The counters can be moved into the file of the profile, so
+        # that what ran before the process stopped is counted whatever stopped it: LLVM_PROFILE_FILE
+        # has %c then. Names of files are kept as the compiler gets them, the same in every folder.
+        target_compile_options(vornic_instruments INTERFACE
+            -fprofile-instr-generate -fcoverage-mapping -fcoverage-compilation-dir=.
+            "SHELL:-mllvm -runtime-counter-relocation")
+        target_link_options(vornic_instruments INTERFACE -fprofile-instr-generate)
+    else()
+        target_compile_options(vornic_instruments INTERFACE --coverage)
+        target_link_options(vornic_instruments INTERFACE --coverage)
+    endif()
 endif()
 
 if(VORNIC_LTO)
