@@ -55,7 +55,10 @@ private:
                 return fail(at_, "a comma or ]");
             }
         }
-        return at_ == text_.size() || fail(at_, "nothing behind the ]");
+        if (at_ != text_.size()) {
+            return fail(at_, "nothing behind the ]");
+        }
+        return true;
     }
 
     bool member() {

@@ -57,7 +57,7 @@ concept Recordable =
 
 namespace Internal {
 
-template <class T> constexpr ArgCode codeOf() {
+template <class T> consteval ArgCode codeOf() {
     if constexpr (std::same_as<T, Qor::Words>) {
         return ArgCode::words;
     } else if constexpr (std::same_as<T, bool>) {

@@ -136,8 +136,9 @@ public:
         files_.push_back(path);
         bool const written = std::fwrite(content.data(), 1, content.size(), file) == content.size();
         int const error = written ? 0 : errno;
-        if (std::fclose(file) != 0 || !written) {
-            fail(path, error == 0 ? errno : error);
+        bool const closed = std::fclose(file) == 0;
+        if (!written || !closed) {
+            fail(path, written ? errno : error);
         }
     }
 

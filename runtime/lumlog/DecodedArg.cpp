@@ -13,8 +13,10 @@ using Taken = std::optional<DecodedArg>;
 
 Taken boolean(U8 value) { return value <= 1 ? Taken(value == 1) : std::nullopt; }
 
-Taken address(U8 family, Netzo::Ip6Addr::Bytes const& bytes) {
-    switch (static_cast<Netzo::IpGenAddr::Family>(family)) {
+Taken address(ByteCursor& payload) {
+    auto const family = static_cast<Netzo::IpGenAddr::Family>(payload.take<U8>());
+    auto const bytes = payload.take<Netzo::Ip6Addr::Bytes>();
+    switch (family) {
     case Netzo::IpGenAddr::Family::ip4:
         return Netzo::IpGenAddr(std::array<U8, 4>{bytes[0], bytes[1], bytes[2], bytes[3]})
             .stringValue();
@@ -40,10 +42,8 @@ Taken take(ArgCode code, ByteCursor& payload) {
         return payload.take<std::int64_t>();
     case ArgCode::text:
         return std::string(payload.takeText(payload.take<U16>()));
-    case ArgCode::address: {
-        U8 const family = payload.take<U8>();
-        return address(family, payload.take<Netzo::Ip6Addr::Bytes>());
-    }
+    case ArgCode::address:
+        return address(payload);
     case ArgCode::words:
         break;
     }

@@ -24,7 +24,7 @@ template <class Arg> constexpr bool isText = TextArg<Arg>;
 template <class Arg> constexpr bool isWords = std::same_as<Arg, Qor::Words>;
 
 /// The room that an argument takes whatever its value.
-template <class Arg> constexpr std::size_t fixedSize() {
+template <class Arg> consteval std::size_t fixedSize() {
     if constexpr (isWords<Arg>) {
         return 0;
     } else if constexpr (isText<Arg>) {

@@ -47,7 +47,11 @@ inline bool countDec(U32& count) noexcept {
 /// change, when the count is 1.
 inline bool countDecUnlessLast(U32& count) noexcept {
     if (!ThreadControl::multiThreaded()) {
-        return count > 1 && (--count, true);
+        if (count <= 1) {
+            return false;
+        }
+        --count;
+        return true;
     }
     std::atomic_ref<U32> const shared(count);
     U32 seen = shared.load(std::memory_order_relaxed);
