@@ -1,5 +1,7 @@
 #include "pelo/Publisher.h"
 
+#include "qor/Assert.h"
+
 #include <algorithm>
 
 namespace Pelo {
@@ -60,6 +62,7 @@ void Publisher::subscriberRemove(Subscriber* subscriber) noexcept {
 }
 
 void Publisher::notify(FieldId field, void const* key, void const* value) {
+    QOR_ASSERT(!Stack::low());
     Walk walk{walks_, 0, false};
     walks_ = &walk;
     std::size_t const count = subscribers_.size();

@@ -2,6 +2,7 @@
 
 #include "pelo/Export.h"
 #include "pelo/Integers.h"
+#include "pelo/Stack.h"
 
 #include <vector>
 
@@ -61,6 +62,10 @@ template <class Key> bool keysEqual(void const* a, void const* b) {
 /// not called any more, not even for the change under way), and may give back the last use of the
 /// publishing entity: the publication then ends after that reactor.
 ///
+/// Publications nest as deep as the thread's stack allows. Reactors that go on changing what they
+/// are told of, or each other's entities, stop the process with the assertion "!Stack::low()" while
+/// there is stack left (see `Stack`).
+///
 /// Cost: a publication is a test when nobody subscribes, else one indirect call a subscriber; to
 /// subscribe in front, or to unsubscribe, is a walk of the list. Not thread-safe.
 class VORNIC_RUNTIME_API Publisher {
@@ -86,13 +91,10 @@ public:
     /// so it may be null.
     void publishChangeRecursive(FieldId field, void const* key, void const* value,
                                 [[maybe_unused]] KeyEquality equality) {
-        if (count_ == 0) {
-            return;
-        }
-        if (subscribers_.size() == 1) { // whatever it does, nothing is left to be done afterwards
+        if (count_ == 1 && !Stack::mayBeLow() && subscribers_.front() != nullptr) {
             Subscriber* const only = subscribers_.front();
-            only->dispatch_(this, only, field, key, value);
-        } else {
+            only->dispatch_(this, only, field, key, value); // nothing is left to be done afterwards
+        } else if (count_ != 0) {
             notify(field, key, value);
         }
     }

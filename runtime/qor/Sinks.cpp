@@ -1,11 +1,13 @@
 #include "qor/Sinks.h"
 
+#include "pelo/Stack.h"
 #include "qor/TraceHandle.h"
 
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <iterator>
+#include <type_traits>
 #include <utility>
 
 namespace Qor {
@@ -82,6 +84,9 @@ void writeDefault(LogMessage const& message) {
 }
 
 template <class Sink, class Report> void emit(Report const& report) {
+    if constexpr (!std::is_same_v<Sink, AssertionSink>) {
+        QOR_ASSERT(!Pelo::Stack::low()); // a sink that reports may call itself without end
+    }
     Sink const sink = sinkOf<Sink>(); // a copy, because the sink may set another one
     if (sink) {
         sink(report);

@@ -22,7 +22,8 @@ namespace Qor {
 ///
 /// Each setter returns the sink that was set before. A sink may trace, log and change sinks; the
 /// sink under way is the one that was set when its message began. An exception that leaves a sink
-/// ends the process.
+/// ends the process, and so does a sink that goes on tracing or logging from within itself, with
+/// the assertion "!Pelo::Stack::low()".
 ///
 /// Not thread-safe: set and called on the event thread. Only a failed assertion may come from
 /// another thread.
