@@ -24,6 +24,10 @@ enum class NodeFlag : U32 {
 /// `Ptr::adopt`. When the last use is given back, `lastUserGone` destroys the object; from then on
 /// nobody may take a use, its destructor included. Nodes are neither copied nor moved.
 ///
+/// Nodes that hold the last uses of each other, a chain or a tree of any depth, need no more than
+/// half of the stack to go: beyond that, a node whose last use is given back within the destruction
+/// of another is destroyed after that one, before the outermost `decUseImpl` returns.
+///
 /// Use counts follow the thread-control rule (see `ThreadControl`); everything else is for one
 /// thread at a time.
 ///
@@ -50,7 +54,8 @@ public:
     Node& operator=(Node const&) = delete;
 
     void incUse() const noexcept { countInc(useCount_); }
-    /// Gives back one use. When it was the last, the object is gone afterwards.
+    /// Gives back one use. When it was the last, the object is gone afterwards (or, deep within the
+    /// destruction of others, soon).
     void decUseImpl() const noexcept {
         if (countDec(useCount_)) {
             const_cast<Node*>(this)->lastUserGone();
@@ -71,6 +76,11 @@ public:
     bool isZombie() const noexcept { return nodeFlag(NodeFlag::zombie); }
 
 private:
+    static constexpr U32 flagsRange = 4; ///< above every combination of flags
+
+    Node* linkIs(Node* link) noexcept;
+    Node* linkDel() noexcept;
+
     mutable U32 useCount_ = 1;
     U32 nodeFlags_ = 0;
 };
