@@ -38,6 +38,7 @@ void VpIndexAllocatorDirSm::handleVpIndexConfig() {
     if (!vpIndexConfigDir_) {
         return;
     }
+    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(this);
     for (VpIndexConfigDir::Entries::Iterator it(vpIndexConfigDir_->vpIndexConfig()); it;
          it.advance()) {
         handleVpIndexConfig(Pelo::String(it.key()));
@@ -78,6 +79,8 @@ VpIndexAllocatorDirSm::vpIndexAllocatorIs(VpIndexAllocatorDirSm* vpIndexAllocato
                          vpReference.get(), vfiForwarding);
         return existing;
     }
+    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(
+        this); // a subscriber of the records may drop the last pointer
     Pelo::Ptr<VpIndexAllocator> created;
     handlerTurns_.run([&] { // its sweep is one turn: it is listed before the next change is handled
         created = VpIndexAllocator::VpIndexAllocatorIs(vpIndexAllocatorDirSm, vpIndexConfig,

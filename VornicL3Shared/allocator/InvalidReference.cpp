@@ -38,6 +38,7 @@ template <class Kind> void VpIndexAllocatorDirSm::handleInvalidAll() {
     if (!vpReallocationEnabled_ || !vpReference_) {
         return;
     }
+    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(this);
     for (typename VpReferenceList::Collection<Kind>::Iterator it(vpReference_->collection<Kind>());
          it; it.advance()) {
         handleInvalidKey<Kind>(typename Kind::Key(it.key()));

@@ -17,8 +17,12 @@ template <class Kind> constexpr bool isRemote = std::is_same_v<typename Kind::Ke
 
 } // namespace
 
+/// Whoever watches the records may drop the allocator and the state machine meanwhile; both stay
+/// until the handler is done.
 template <class Kind> void VpIndexAllocator::handleKey(typename Kind::Key const& key) {
-    vpIndexAllocatorDirSm_->handlerTurns_.run([&] { handleKeyInTurn<Kind>(key); });
+    Pelo::Ptr<VpIndexAllocatorDirSm> const stateMachine(vpIndexAllocatorDirSm_);
+    Pelo::Ptr<VpIndexAllocator> const self(this);
+    stateMachine->handlerTurns_.run([&] { handleKeyInTurn<Kind>(key); });
 }
 
 template <class Kind> void VpIndexAllocator::handleKeyInTurn(typename Kind::Key const& key) {
@@ -153,6 +157,8 @@ template <class Kind> void VpIndexAllocator::handleAll() {
     if (!vpIndexConfig_) {
         return;
     }
+    Pelo::Ptr<VpIndexAllocatorDirSm> const stateMachine(vpIndexAllocatorDirSm_);
+    Pelo::Ptr<VpIndexAllocator> const self(this);
     for (typename VpIndexConfig::Collection<Kind>::Iterator it(vpIndexConfig_->collection<Kind>());
          it; it.advance()) {
         handleOne<Kind>(typename Kind::Key(it.key())); // a copy: the handler may delete the member
@@ -206,17 +212,14 @@ void VpIndexAllocator::vpIndexConfigDispatch(Pelo::Publisher*, Pelo::Subscriber*
     });
 }
 
-/// Handles a changed key, or leaves it until the running handler is done. Whoever watches the
-/// records may drop the allocator and the state machine meanwhile; both stay until the handler is
-/// done.
+/// Handles a changed key, or leaves it until the running handler is done.
 template <class Kind> void VpIndexAllocator::react(typename Kind::Key const& key) {
-    Pelo::Ptr<VpIndexAllocatorDirSm> const stateMachine(vpIndexAllocatorDirSm_);
-    Pelo::Ptr<VpIndexAllocator> const self(this);
-    if (!stateMachine->handlerTurns_.running()) {
+    if (!vpIndexAllocatorDirSm_->handlerTurns_.running()) {
         handleOne<Kind>(key);
         return;
     }
-    stateMachine->handlerTurns_.leave(this, [self, key] {
+    Pelo::Ptr<VpIndexAllocator> const self(this);
+    vpIndexAllocatorDirSm_->handlerTurns_.leave(this, [self, key] {
         if (!self->isZombie()) {
             self->handleOne<Kind>(key);
         }

@@ -9,6 +9,7 @@ namespace VornicCentral {
 
 void VpIndexAllocatorDirSm::reconcile() {
     VP_TRACE(entryLevel, "reconcile");
+    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(this);
     handlerTurns_.run([this] {
         if (vpReference_) {
             recoverFromReferences();

@@ -66,6 +66,8 @@ Pelo::String const& VpIndexAllocator::name() const noexcept {
 void VpIndexAllocator::handleInitialized() {
     VP_TRACE(entryLevel, "handleInitialized", " ", name());
     initialized_ = true;
+    Pelo::Ptr<VpIndexAllocatorDirSm> const stateMachine(vpIndexAllocatorDirSm_);
+    Pelo::Ptr<VpIndexAllocator> const self(this);
     if (vpIndexStatus_) {
         vpIndexStatus_->vpTableSizeIs(vpIndexAllocatorDirSm_->vpTableSize());
     }
