@@ -12,31 +12,21 @@ namespace {
 
 using Test::Lines;
 
-template <class K> class RecycleReentry : public Test::ReentrancyTestBase<K> {
-protected:
-    /// Key 1 holds the only index, for bgp, and evpn waits with key 2.
-    void letOneWait() {
-        this->start({.tableSize = 9, .reallocation = true}, {"bgp", "evpn"});
-        this->request("bgp", 1);
-        this->request("evpn", 2);
-        this->world.capture.forget();
-    }
-};
+template <class K> class RecycleReentry : public Test::ReentrancyTestBase<K> {};
 TYPED_TEST_SUITE(RecycleReentry, Test::AllKinds, Test::KindNames);
 
 TYPED_TEST(RecycleReentry, AWaitingKeyCanBeWithdrawnWithinTheReleaseOfAnIndex) {
     this->letOneWait();
     this->atFirstReference([this] { this->withdraw("evpn", 2); });
     this->withdraw("bgp", 1);
-    EXPECT_EQ(this->state(), "pool 9: 0-7\n"
-                             "config bgp:\n"
-                             "config evpn:\n"
-                             "status bgp: requests=1 failures=0 frees=1 size=9\n"
-                             "status evpn: requests=0 failures=1 frees=0 size=9\n"
-                             "references:\n"
-                             "waiting:\n"
-                             "boot:\n");
-    this->world.sm->verify();
+    this->expectSound("pool 9: 0-7\n"
+                      "config bgp:\n"
+                      "config evpn:\n"
+                      "status bgp: requests=1 failures=0 frees=1 size=9\n"
+                      "status evpn: requests=0 failures=1 frees=0 size=9\n"
+                      "references:\n"
+                      "waiting:\n"
+                      "boot:\n");
 }
 
 TYPED_TEST(RecycleReentry, AHeldAndAWaitingKeyCanBeWithdrawnWithinOneWrite) {
@@ -46,16 +36,14 @@ TYPED_TEST(RecycleReentry, AHeldAndAWaitingKeyCanBeWithdrawnWithinOneWrite) {
         this->withdraw("evpn", 2);
     });
     this->request("bgp", 3);
-    EXPECT_EQ(this->state(),
-              this->filled("pool 9: 0-8\n"
-                           "config bgp: <kind>{<3>}\n"
-                           "config evpn:\n"
-                           "status bgp: <kind>{<3>=8} requests=1 failures=1 frees=1 size=9\n"
-                           "status evpn: requests=0 failures=1 frees=0 size=9\n"
-                           "references: <kind>{<3>=8[bgp]}\n"
-                           "waiting:\n"
-                           "boot:\n"));
-    this->world.sm->verify();
+    this->expectSound("pool 9: 0-8\n"
+                      "config bgp: <kind>{<3>}\n"
+                      "config evpn:\n"
+                      "status bgp: <kind>{<3>=8} requests=1 failures=1 frees=1 size=9\n"
+                      "status evpn: requests=0 failures=1 frees=0 size=9\n"
+                      "references: <kind>{<3>=8[bgp]}\n"
+                      "waiting:\n"
+                      "boot:\n");
 }
 
 TYPED_TEST(RecycleReentry, TheLastPointerToTheStateMachineCanBeDroppedWhileAReleaseWaits) {
@@ -66,15 +54,14 @@ TYPED_TEST(RecycleReentry, TheLastPointerToTheStateMachineCanBeDroppedWhileARele
         this->world.stop();
     });
     this->withdraw("bgp", 1);
-    EXPECT_EQ(this->state(),
-              this->filled("pool none\n"
-                           "config bgp:\n"
-                           "config evpn: <kind>{<3>}\n"
-                           "status bgp: requests=1 failures=0 frees=1 size=9\n"
-                           "status evpn: <kind>{<3>=8} requests=0 failures=2 frees=0 size=9\n"
-                           "references: <kind>{<3>=8[evpn]}\n"
-                           "waiting:\n"
-                           "boot:\n"));
+    this->expectState("pool none\n"
+                      "config bgp:\n"
+                      "config evpn: <kind>{<3>}\n"
+                      "status bgp: requests=1 failures=0 frees=1 size=9\n"
+                      "status evpn: <kind>{<3>=8} requests=0 failures=2 frees=0 size=9\n"
+                      "references: <kind>{<3>=8[evpn]}\n"
+                      "waiting:\n"
+                      "boot:\n");
 }
 
 /// The same, told on VLANs.
@@ -127,13 +114,12 @@ TEST_F(RecycleInTurn, ByNameAfterAHandlerThatThrewReleasesAtOnce) {
                "5 handleVlanVport vlan: 102 vPort: 8", "1 handleInvalidVlanVport vlan: 102",
                "5 handleInvalidVlanVport vport addition/modification for: 8",
                "5 handleInvalidVlanVport vport deleted : 8"}));
-    EXPECT_EQ(state(), "pool 10: 0-9\n"
-                       "config bgp: vlan{101 102}\n"
-                       "status bgp: vlan{101=9 102=8} requests=2 failures=0 frees=0 size=10\n"
-                       "references: vlan{101=9[bgp] 102=8[bgp]}\n"
-                       "waiting:\n"
-                       "boot:\n");
-    world.sm->verify();
+    expectSound("pool 10: 0-9\n"
+                "config bgp: vlan{101 102}\n"
+                "status bgp: vlan{101=9 102=8} requests=2 failures=0 frees=0 size=10\n"
+                "references: vlan{101=9[bgp] 102=8[bgp]}\n"
+                "waiting:\n"
+                "boot:\n");
 }
 
 } // namespace

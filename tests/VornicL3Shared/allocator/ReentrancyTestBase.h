@@ -4,13 +4,16 @@
 #include "VornicL3Shared/support/Listener.h"
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
 namespace Test {
 
-/// A subscriber acts within the first notification of the kind's collection that it sees.
+/// A subscriber acts within the first notification of the kind's collection that it sees; then the
+/// whole state is compared.
 template <class K> class ReentrancyTestBase : public KindTest<K> {
 protected:
     using Act = std::function<void()>;
@@ -27,6 +30,31 @@ protected:
     void atFirstReference(Act const& act) { atFirst(*this->world.references, act); }
     void atFirstWaiting(Act const& act) { atFirst(*this->world.waiting, act); }
 
+    /// Starts anew with these clients and lets bgp request key 1; `act` happens when its status is
+    /// written.
+    void requestAnd(Act const& act, std::initializer_list<char const*> clients = {"bgp"}) {
+        this->start({}, clients);
+        atFirstStatus("bgp", act);
+        this->request("bgp", 1);
+    }
+    /// Starts anew: key 1 holds the only index, for bgp, and evpn waits with key 2.
+    void letOneWait() {
+        this->start({.tableSize = 9, .reallocation = true}, {"bgp", "evpn"});
+        this->request("bgp", 1);
+        this->request("evpn", 2);
+        this->world.capture.forget();
+    }
+
+    void expectState(std::string const& text) const {
+        EXPECT_EQ(this->state(), this->filled(text));
+    }
+    /// The same, and that the library finds it in order.
+    void expectSound(std::string const& text) const {
+        expectState(text);
+        this->world.sm->verify();
+    }
+
     std::vector<std::unique_ptr<Listener>> listeners;
 };
+
 } // namespace Test

@@ -9,65 +9,52 @@ template <class K> class ReentrantRemoval : public Test::ReentrancyTestBase<K> {
 TYPED_TEST_SUITE(ReentrantRemoval, Test::AllKinds, Test::KindNames);
 
 TYPED_TEST(ReentrantRemoval, AClientAndItsAllocatorCanBeRemovedAndTheHandlerIsDoneAllTheSame) {
-    this->start({}, {"bgp"});
-    this->atFirstStatus("bgp", [this] {
+    this->requestAnd([this] {
         this->world.configDir->vpIndexConfigDel("bgp");
         this->world.sm->vpIndexAllocatorDel("bgp");
     });
-    this->request("bgp", 1);
-    EXPECT_EQ(this->state(),
-              this->filled("pool 16: 0-7 15\n"
-                           "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
-                           "references: <kind>{<1>=15[bgp]}\n"
-                           "waiting:\n"
-                           "boot:\n"));
+    this->expectState("pool 16: 0-7 15\n"
+                      "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
+                      "references: <kind>{<1>=15[bgp]}\n"
+                      "waiting:\n"
+                      "boot:\n");
 }
 
 TYPED_TEST(ReentrantRemoval, AnAllocatorCanBeRemovedBeforeAChangeThatItWasLeft) {
-    this->start({}, {"bgp"});
-    this->atFirstStatus("bgp", [this] {
+    this->requestAnd([this] {
         this->request("bgp", 2);
         this->world.sm->vpIndexAllocatorDel("bgp");
     });
-    this->request("bgp", 1);
-    EXPECT_EQ(
-        this->state(),
-        this->filled("pool 16: 0-7 14-15\n"
-                     "config bgp: <kind>{<1> <2>}\n"
-                     "status bgp: <kind>{<1>=15 <2>=14} requests=2 failures=0 frees=0 size=16\n"
-                     "references: <kind>{<1>=15[bgp] <2>=14[bgp]}\n"
-                     "waiting:\n"
-                     "boot:\n"));
+    this->expectState("pool 16: 0-7 14-15\n"
+                      "config bgp: <kind>{<1> <2>}\n"
+                      "status bgp: <kind>{<1>=15 <2>=14} requests=2 failures=0 frees=0 size=16\n"
+                      "references: <kind>{<1>=15[bgp] <2>=14[bgp]}\n"
+                      "waiting:\n"
+                      "boot:\n");
 }
 
 TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWithinAnAddition) {
-    this->start({}, {"bgp"});
-    this->atFirstStatus("bgp", [this] { this->world.stop(); });
-    this->request("bgp", 1);
-    EXPECT_EQ(this->state(),
-              this->filled("pool none\n"
-                           "config bgp: <kind>{<1>}\n"
-                           "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
-                           "references: <kind>{<1>=15[bgp]}\n"
-                           "waiting:\n"
-                           "boot:\n"));
+    this->requestAnd([this] { this->world.stop(); });
+    this->expectState("pool none\n"
+                      "config bgp: <kind>{<1>}\n"
+                      "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
+                      "references: <kind>{<1>=15[bgp]}\n"
+                      "waiting:\n"
+                      "boot:\n");
 }
 
 TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWithinAWithdrawal) {
-    this->start({.tableSize = 9, .reallocation = true}, {"bgp", "evpn"});
-    this->request("bgp", 1);
-    this->request("evpn", 2);
+    this->letOneWait();
     this->atFirstReference([this] { this->world.stop(); });
     this->withdraw("bgp", 1);
-    EXPECT_EQ(this->state(),
-              this->filled("pool none\n"
-                           "config bgp:\n"
-                           "config evpn: <kind>{<2>}\n"
-                           "status bgp: requests=1 failures=0 frees=1 size=9\n"
-                           "status evpn: <kind>{<2>=8} requests=0 failures=1 frees=0 size=9\n"
-                           "references: <kind>{<2>=8[evpn]}\n"
-                           "waiting:\n"
-                           "boot:\n"));
+    this->expectState("pool none\n"
+                      "config bgp:\n"
+                      "config evpn: <kind>{<2>}\n"
+                      "status bgp: requests=1 failures=0 frees=1 size=9\n"
+                      "status evpn: <kind>{<2>=8} requests=0 failures=1 frees=0 size=9\n"
+                      "references: <kind>{<2>=8[evpn]}\n"
+                      "waiting:\n"
+                      "boot:\n");
 }
 
 TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWhenAKeyBeginsToWait) {
@@ -75,12 +62,12 @@ TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWhenAKey
     this->atFirstWaiting([this] { this->world.stop(); });
     this->world.references->template is<TypeParam>(Test::numbered<TypeParam>(1).key,
                                                    VornicCentral::VpReference());
-    EXPECT_EQ(this->state(), this->filled("pool none\n"
-                                          "config bgp:\n"
-                                          "status bgp: requests=0 failures=0 frees=0 size=8\n"
-                                          "references: <kind>{<1>=65535[]}\n"
-                                          "waiting: <kind>{<1>}\n"
-                                          "boot:\n"));
+    this->expectState("pool none\n"
+                      "config bgp:\n"
+                      "status bgp: requests=0 failures=0 frees=0 size=8\n"
+                      "references: <kind>{<1>=65535[]}\n"
+                      "waiting: <kind>{<1>}\n"
+                      "boot:\n");
 }
 
 TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWhileANewClientIsServed) {
@@ -91,72 +78,59 @@ TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWhileANe
     this->world.statusDir->vpIndexStatusIs("bgp", status);
     this->atFirst(*status, [this] { this->world.stop(); });
     this->world.configDir->vpIndexConfigIs("bgp", config);
-    EXPECT_EQ(this->state(),
-              this->filled("pool none\n"
-                           "config bgp: <kind>{<1>}\n"
-                           "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
-                           "references: <kind>{<1>=15[bgp]}\n"
-                           "waiting:\n"
-                           "boot:\n"));
+    this->expectState("pool none\n"
+                      "config bgp: <kind>{<1>}\n"
+                      "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
+                      "references: <kind>{<1>=15[bgp]}\n"
+                      "waiting:\n"
+                      "boot:\n");
 }
 
 TYPED_TEST(ReentrantRemoval, AChangeThatIsLeftToAStateMachineWithoutPointersIsStillHandled) {
-    this->start({}, {"bgp"});
-    this->atFirstStatus("bgp", [this] {
+    this->requestAnd([this] {
         this->request("bgp", 2);
         this->world.stop();
     });
-    this->request("bgp", 1);
-    EXPECT_EQ(
-        this->state(),
-        this->filled("pool none\n"
-                     "config bgp: <kind>{<1> <2>}\n"
-                     "status bgp: <kind>{<1>=15 <2>=14} requests=2 failures=0 frees=0 size=16\n"
-                     "references: <kind>{<1>=15[bgp] <2>=14[bgp]}\n"
-                     "waiting:\n"
-                     "boot:\n"));
+    this->expectState("pool none\n"
+                      "config bgp: <kind>{<1> <2>}\n"
+                      "status bgp: <kind>{<1>=15 <2>=14} requests=2 failures=0 frees=0 size=16\n"
+                      "references: <kind>{<1>=15[bgp] <2>=14[bgp]}\n"
+                      "waiting:\n"
+                      "boot:\n");
 }
 
 TYPED_TEST(ReentrantRemoval, AnAllocatorThatBecomesAZombieIgnoresWhatItWasLeft) {
-    this->start({}, {"bgp"});
-    this->atFirstStatus("bgp", [this] {
+    this->requestAnd([this] {
         this->request("bgp", 2);
         this->world.allocator("bgp").qorDoZombieReactors(true);
     });
-    this->request("bgp", 1);
-    EXPECT_EQ(this->state(),
-              this->filled("pool 16: 0-7 15\n"
-                           "config bgp: <kind>{<1> <2>}\n"
-                           "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
-                           "references: <kind>{<1>=15[bgp]}\n"
-                           "waiting:\n"
-                           "boot:\n"));
+    this->expectState("pool 16: 0-7 15\n"
+                      "config bgp: <kind>{<1> <2>}\n"
+                      "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
+                      "references: <kind>{<1>=15[bgp]}\n"
+                      "waiting:\n"
+                      "boot:\n");
 }
 
 TYPED_TEST(ReentrantRemoval, AStateMachineThatBecomesAZombieIgnoresANameThatItWasLeft) {
-    this->start({}, {"bgp"});
-    this->atFirstStatus("bgp", [this] {
+    this->requestAnd([this] {
         this->world.client("evpn");
         this->request("evpn", 2);
         this->world.sm->qorDoZombieReactors(true);
     });
-    this->request("bgp", 1);
     EXPECT_FALSE(this->world.sm->vpIndexAllocatorHas("evpn"));
-    EXPECT_EQ(this->state(),
-              this->filled("pool 16: 0-7 15\n"
-                           "config bgp: <kind>{<1>}\n"
-                           "config evpn: <kind>{<2>}\n"
-                           "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
-                           "status evpn: requests=0 failures=0 frees=0 size=0\n"
-                           "references: <kind>{<1>=15[bgp]}\n"
-                           "waiting:\n"
-                           "boot:\n"));
+    this->expectState("pool 16: 0-7 15\n"
+                      "config bgp: <kind>{<1>}\n"
+                      "config evpn: <kind>{<2>}\n"
+                      "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
+                      "status evpn: requests=0 failures=0 frees=0 size=0\n"
+                      "references: <kind>{<1>=15[bgp]}\n"
+                      "waiting:\n"
+                      "boot:\n");
 }
 
 TYPED_TEST(ReentrantRemoval, ASubscriberCanLeaveWithinItsNotification) {
-    this->start({}, {"bgp"});
-    this->atFirstStatus("bgp", [this] { this->listeners.front()->leave(); });
-    this->request("bgp", 1);
+    this->requestAnd([this] { this->listeners.front()->leave(); });
     this->request("bgp", 2);
     EXPECT_EQ(this->listeners.front()->fields(),
               (std::vector<Pelo::FieldId>{263, TypeParam::field}));
