@@ -2,10 +2,12 @@
 
 #include "pelo/Decimal.h"
 #include "qor/TraceHandle.h"
+#include "text/Utf8.h"
 
 #include <CLI/CLI.hpp>
 
 #include <iostream>
+#include <sstream>
 
 namespace VpAgent {
 
@@ -92,7 +94,9 @@ std::variant<Options, int> readOptions(int argc, char const* const* argv) {
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
-        bool const told = app.exit(error) == 0 && std::cout.flush();
+        std::ostringstream complaint; // which repeats what was given
+        bool const told = app.exit(error, std::cout, complaint) == 0 && std::cout.flush();
+        std::cerr << printableLines(complaint.str());
         return told ? 0 : failureStatus;
     }
     options.scripts = scripts->results();

@@ -9,6 +9,7 @@
 #include "state/TraceLevels.h"
 #include "statefile/OwnFiles.h"
 #include "statefile/StateFile.h"
+#include "text/Utf8.h"
 
 #include <exception>
 #include <memory>
@@ -89,7 +90,7 @@ int runSources(Options const& options, Agent& agent, Output& output) {
         }
         return session.exitStatus();
     } catch (Refusal const& refusal) {
-        output.err() += std::string("vpagent: ") + refusal.what() + '\n';
+        output.err() += "vpagent: " + printable(refusal.what()) + '\n';
         return failureStatus;
     }
 }

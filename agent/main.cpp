@@ -1,5 +1,6 @@
 #include "Program.h"
 #include "StandardStreams.h"
+#include "text/Utf8.h"
 
 #include <exception>
 #include <iostream>
@@ -13,7 +14,7 @@ int main(int argc, char** argv) {
         }
         return VpAgent::runProgram(std::get<VpAgent::Options>(options));
     } catch (std::exception const& exception) {
-        std::cerr << "vpagent: " << exception.what() << '\n';
+        std::cerr << "vpagent: " << VpAgent::printable(exception.what()) << '\n';
         return VpAgent::failureStatus;
     }
 }

@@ -85,7 +85,7 @@ Bridging::VlanId Entry::vlan(std::string_view text) const {
 }
 
 void Entry::refuse(std::string_view found, std::string_view expected) const {
-    throw Refusal(printable(name_) + ": " + std::string(found) + ", expected " +
+    throw Refusal(shortened(name_) + ": " + std::string(found) + ", expected " +
                   std::string(expected));
 }
 

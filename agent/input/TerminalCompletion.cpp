@@ -50,6 +50,18 @@ std::string commonBeginning(std::vector<std::string> const& words) {
     return std::string(common);
 }
 
+bool isVisible(std::string const& word) { return printable(word) == word; }
+
+/// The names of files that begin with `text`, as the line editor finds them.
+std::vector<std::string> fileNames(char const* text) {
+    std::vector<std::string> names;
+    while (char* const name = rl_filename_completion_function(text, names.empty() ? 0 : 1)) {
+        names.emplace_back(name);
+        std::free(name);
+    }
+    return names;
+}
+
 /// The words as the line editor takes them, and frees them: before them what they have in common.
 char** asMatches(std::vector<std::string> const& words) {
     if (words.empty()) {
@@ -69,7 +81,18 @@ char** asMatches(std::vector<std::string> const& words) {
 char** completeWord(char const* text, int, int end) {
     std::string_view const typed = beginning(rl_line_buffer, end);
     Completion completion = complete(typed, *agentAtTerminal);
-    rl_attempted_completion_over = completion.files ? 0 : 1;
+    // The line editor shows names as they are; of files that is left to it where all can be seen.
+    std::vector<std::string> files;
+    if (completion.files) {
+        files = fileNames(text);
+    }
+    bool const allVisible = std::all_of(files.begin(), files.end(), isVisible);
+    rl_attempted_completion_over = completion.files && allVisible ? 0 : 1;
+    if (!allVisible) {
+        std::erase_if(files, [](std::string const& name) { return !isVisible(name); });
+        return asMatches(files);
+    }
+    std::erase_if(completion.words, [](std::string const& word) { return !isVisible(word); });
     rl_completion_append_character = completion.goesOn ? 0 : blank;
     std::size_t const length = typed.size() - lastWordAt(typed);
     std::size_t const replaced = std::strlen(text);

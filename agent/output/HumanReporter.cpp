@@ -54,14 +54,16 @@ void write(std::string& out, ImportReply const& reply, Agent const&) {
            (counts.empty() ? "nothing to request" : counts) + '\n';
 }
 
-void write(std::string& out, TextReply const& reply, Agent const&) { out += reply.text + '\n'; }
+void write(std::string& out, TextReply const& reply, Agent const&) {
+    out += printableLines(reply.text) + '\n';
+}
 
 void write(std::string& out, InspectReply const& reply, Agent const&) {
-    out += inspectedText(reply.inspected) + '\n';
+    out += printableLines(inspectedText(reply.inspected)) + '\n';
 }
 
 void write(std::string& out, RingReply const& reply, Agent const&) {
-    out += ringText(reply.report) + '\n';
+    out += printableLines(ringText(reply.report)) + '\n';
 }
 
 void write(std::string& out, DumpReply, Agent const& agent) {
@@ -109,7 +111,7 @@ void HumanReporter::done(CommandLine const&, std::string_view, Reply const& repl
 void HumanReporter::refused(CommandLine const& line, Refusal const& refusal) {
     std::string& err = output_.err();
     err += line.terminal ? "error" : printable(line.source) + ':' + std::to_string(line.number);
-    err += std::string(": ") + refusal.what() + '\n';
+    err += ": " + printable(refusal.what()) + '\n';
     if (refusal.place()) {
         err += markedLine(line.text, *refusal.place(), "    ");
     }

@@ -15,12 +15,11 @@ namespace {
 /// Whether the character stands for itself in a JSON text.
 bool standsForItself(char c) noexcept { return isPlain(c) && c != '"' && c != '\\'; }
 
-/// Whether a terminal would act upon the text; JSON itself escapes only the characters below
-/// U+0020.
-bool holdsControl(std::string_view text) noexcept {
+/// Whether a terminal may act upon the text; JSON itself escapes only the characters below U+0020.
+bool holdsInvisible(std::string_view text) noexcept {
     for (std::size_t at = 0; at < text.size();) {
         Utf8Character const character = utf8At(text, at);
-        if (character.length != 0 && isControl(character.codePoint)) {
+        if (character.length != 0 && isInvisible(character.codePoint)) {
             return true;
         }
         at += character.length == 0 ? 1 : character.length;
@@ -84,7 +83,7 @@ void JsonWriter::string(std::string_view value) {
         return;
     }
     nlohmann::json const json(value);
-    out_ += json.dump(-1, ' ', holdsControl(value), nlohmann::json::error_handler_t::replace);
+    out_ += json.dump(-1, ' ', holdsInvisible(value), nlohmann::json::error_handler_t::replace);
 }
 
 } // namespace VpAgent

@@ -10,6 +10,7 @@ namespace VpAgent {
 
 using Pelo::hexByte;
 using Pelo::isControl;
+using Pelo::isInvisible;
 using Pelo::printable;
 using Pelo::utf8At;
 using Pelo::Utf8Character;
@@ -27,7 +28,14 @@ constexpr std::size_t plainEnd(std::string_view text, std::size_t from) noexcept
     return from;
 }
 
-/// `printable(text)` in double quotes, for messages.
+/// `printable` of each line of a text.
+std::string printableLines(std::string_view text);
+
+/// `printable` of a text of any length, of which a message holds the beginning: at most
+/// `Limits::quote` bytes and then "...".
+std::string shortened(std::string_view text);
+
+/// `shortened(text)` in double quotes, for messages.
 std::string inQuotes(std::string_view text);
 
 } // namespace VpAgent

@@ -1,4 +1,5 @@
 #include "state/Agent.h"
+#include "text/Utf8.h"
 #include "view/TextTable.h"
 #include "view/Views.h"
 #include "view/WithoutIndex.h"
@@ -81,7 +82,7 @@ std::string requests(Client const& client) {
 
 std::string viewClients(Agent const& agent, ViewRange range) {
     if (range.client != nullptr) {
-        return "REQUESTS OF CLIENT " + std::string(range.client->name) + '\n' +
+        return "REQUESTS OF CLIENT " + printable(range.client->name) + '\n' +
                requests(*range.client);
     }
     return "CLIENTS, with what they request\n" + summary(agent, range.lines);

@@ -69,7 +69,7 @@ std::string printable(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
         Utf8Character const character = utf8At(text, at);
         std::size_t const length = character.length == 0 ? 1 : character.length;
-        if (character.length != 0 && !isControl(character.codePoint)) {
+        if (character.length != 0 && !isInvisible(character.codePoint)) {
             shown.append(text, at, length);
         } else {
             for (std::size_t each = at; each < at + length; ++each) {

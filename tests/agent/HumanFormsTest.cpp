@@ -1,3 +1,4 @@
+#include "Limits.h"
 #include "output/HumanReporter.h"
 #include "pelo/Ptr.h"
 #include "text/Utf8.h"
@@ -33,6 +34,16 @@ TEST(Printable, ShowsControlCharactersAsEscapes) {
     EXPECT_EQ(printable("a\x1b[2J\x7f"), "a\\x1B[2J\\x7F");
     EXPECT_EQ(printable("\xC2\x9B"), "\\xC2\\x9B");
     EXPECT_EQ(printable("Z\xC3\xBCrich \xFF"), "Z\xC3\xBCrich \\xFF");
+}
+
+TEST(Quotes, HoldTheBeginningOfALongText) {
+    EXPECT_EQ(inQuotes("a\x1b"), "\"a\\x1B\"");
+    std::string const longest(Limits::quote, 'x');
+    EXPECT_EQ(inQuotes(longest), '"' + longest + '"');
+    EXPECT_EQ(inQuotes(longest + 'y'), '"' + longest + "...\"");
+    std::string const cut = longest.substr(2);
+    EXPECT_EQ(inQuotes(cut + "\xE2\x82\xAC"), '"' + cut + "...\"");
+    EXPECT_EQ(inQuotes(std::string(Limits::quote + 9, '\x80')), "\"...\"");
 }
 
 TEST(TextTable, MakesColumnsAsWideAsTheirCells) {

@@ -47,6 +47,23 @@ TEST(Utf8, CountsCharactersAndBytesThatAreNone) {
     EXPECT_EQ(utf8Length("\xFF\xC3"), 2u);
 }
 
+TEST(Utf8, ShowsWhatCannotBeSeenAsItsBytes) {
+    for (char const* const text :
+         {"\x1B", "\x7F", "\xC2\x9B", "\xC2\xAD", "\xD8\x9C", "\xE1\xA0\x8E", "\xE2\x80\x8B",
+          "\xE2\x80\x8F", "\xE2\x80\xA8", "\xE2\x80\xAE", "\xE2\x81\xA6", "\xEF\xBB\xBF",
+          "\xEF\xBF\xB9", "\xF3\xA0\x81\x81"}) {
+        std::string bytes;
+        for (char const* byte = text; *byte != '\0'; ++byte) {
+            bytes += "\\x" + hexByte(static_cast<unsigned char>(*byte)).substr(2);
+        }
+        EXPECT_EQ(printable(text), bytes);
+    }
+    for (char const* const text : {"a b~", "Z\xC3\xBCrich", "\xC2\xA0", "\xE2\x80\x90",
+                                   "\xE2\x81\xB0", "\xEF\xBF\xBD", "\xF0\x9F\x99\x82"}) {
+        EXPECT_EQ(printable(text), text);
+    }
+}
+
 TEST(Utf8, HexByteHasTwoDigits) {
     EXPECT_EQ(hexByte(0x0A), "0x0A");
     EXPECT_EQ(hexByte(0xF0), "0xF0");
