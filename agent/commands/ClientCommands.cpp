@@ -1,3 +1,4 @@
+#include "Limits.h"
 #include "commands/Handlers.h"
 #include "import/JsonFile.h"
 #include "import/RequestedKeys.h"
@@ -21,9 +22,23 @@ Client const& knownClient(Agent const& agent, Word const& name) {
     return *client;
 }
 
+Refusal tooManyKeys(std::string_view where, Word const& word) {
+    return {"too many keys, expected at most " + std::to_string(Limits::keys) + ' ' +
+                std::string(where),
+            word.place()};
+}
+
 namespace Handlers {
 
 namespace {
+
+/// Refuses a client that would be one too many; `client` is null when it is not known.
+void checkRoomFor(Agent const& agent, Client const* client, Word const& name) {
+    if (client == nullptr && !agent.database.roomForClient()) {
+        throw Refusal("too many clients, expected at most " + std::to_string(Limits::clients),
+                      name.place());
+    }
+}
 
 /// What became of a request, for the person who made it.
 std::string outcome(Agent const& agent, Client const& client, Vport const& vport) {
@@ -49,6 +64,7 @@ Reply clientAdd(Agent& agent, Arguments const& arguments) {
         throw Refusal("client " + inQuotes(name.text) + " is there already, expected a new name",
                       name.place());
     }
+    checkRoomFor(agent, client, name);
     agent.database.add(name.text);
     return {};
 }
@@ -77,8 +93,13 @@ Reply clientRetire(Agent& agent, Arguments const& arguments) {
 
 Reply request(Agent& agent, Arguments const& arguments) {
     Client const& client = knownClient(agent, *arguments.client);
-    arguments.vport->visit(
-        [&](auto kind, auto const& key) { client.config->is<decltype(kind)>(key, true); });
+    arguments.vport->visit([&](auto kind, auto const& key) {
+        using Kind = decltype(kind);
+        if (!agent.database.takeRoomForRequests(1) && !client.config->has<Kind>(key)) {
+            throw tooManyKeys("requests of all clients", arguments.command);
+        }
+        client.config->is<Kind>(key, true);
+    });
     Reply reply;
     if (agent.forPeople) {
         reply.note = outcome(agent, client, *arguments.vport);
@@ -111,6 +132,12 @@ Reply import(Agent& agent, Arguments const& arguments) {
     }
     try {
         RequestedKeys const keys(parseJson(readFile(path)));
+        checkRoomFor(agent, agent.database.find(name), file);
+        std::size_t count = 0;
+        forEachKind([&](auto kind) { count += keys.of<decltype(kind)>().memberCount(); });
+        if (!agent.database.takeRoomForRequests(count)) {
+            throw tooManyKeys("requests of all clients", file);
+        }
         Client const& client = agent.database.add(name);
         ImportReply reply{client.name, {}};
         forEachKind([&](auto kind) {

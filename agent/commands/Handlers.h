@@ -84,4 +84,8 @@ Reply quit(Agent& agent, Arguments const& arguments);
 struct Client;
 Client const& knownClient(Agent const& agent, Word const& name);
 
+/// The refusal, at the place of a word, of what would go beyond `Limits::keys`; `where` says what
+/// the keys are or where they stand.
+Refusal tooManyKeys(std::string_view where, Word const& word);
+
 } // namespace VpAgent

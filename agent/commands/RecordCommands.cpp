@@ -1,3 +1,4 @@
+#include "Limits.h"
 #include "commands/Handlers.h"
 #include "state/Agent.h"
 
@@ -7,11 +8,24 @@ using namespace VornicCentral;
 
 namespace {
 
-template <class Record>
-Reply put(Record& record, Vport const& vport, typename Record::Value const& value) {
-    vport.visit(
-        [&](auto kind, auto const& key) { record.template is<decltype(kind)>(key, value); });
+/// `room()` says whether the record may grow, by one key.
+template <class Record, class Room>
+Reply put(Record& record, Arguments const& arguments, typename Record::Value const& value,
+          Room room) {
+    arguments.vport->visit([&](auto kind, auto const& key) {
+        using Kind = decltype(kind);
+        if (!room() && !record.template has<Kind>(key)) {
+            throw tooManyKeys("in such records", arguments.command);
+        }
+        record.template is<Kind>(key, value);
+    });
     return {};
+}
+
+/// The same for a record that there is once.
+template <class Record>
+Reply put(Record& record, Arguments const& arguments, typename Record::Value const& value) {
+    return put(record, arguments, value, [&] { return record.memberCount() < Limits::keys; });
 }
 
 template <class Record> Reply drop(Record& record, Vport const& vport) {
@@ -27,24 +41,29 @@ template <class Record> Reply clear(Record& record) {
 } // namespace
 
 Reply putReference(Agent& agent, Arguments const& arguments) {
+    if (arguments.rest.size() > Limits::clients) {
+        throw Refusal("too many names, expected at most " + std::to_string(Limits::clients),
+                      arguments.rest[Limits::clients].place());
+    }
     VpReference reference{VirtualPort(arguments.index)};
     for (Word const& name : arguments.rest) {
         reference.referenceIs(name.text, true);
     }
-    return put(*agent.database.references(), *arguments.vport, reference);
+    return put(*agent.database.references(), arguments, reference);
 }
 
 Reply putStatus(Agent& agent, Arguments const& arguments) {
     Client const& client = knownClient(agent, *arguments.client);
-    return put(*client.status, *arguments.vport, VirtualPort(arguments.index));
+    return put(*client.status, arguments, VirtualPort(arguments.index),
+               [&] { return agent.database.takeRoomForStatuses(1); });
 }
 
 Reply putWaiting(Agent& agent, Arguments const& arguments) {
-    return put(*agent.database.waiting(), *arguments.vport, true);
+    return put(*agent.database.waiting(), arguments, true);
 }
 
 Reply putBoot(Agent& agent, Arguments const& arguments) {
-    return put(*agent.database.boot(), *arguments.vport, VirtualPort(arguments.index));
+    return put(*agent.database.boot(), arguments, VirtualPort(arguments.index));
 }
 
 Reply dropReference(Agent& agent, Arguments const& arguments) {

@@ -1,10 +1,12 @@
 #include "import/JsonFile.h"
 
+#include "Limits.h"
 #include "statefile/OwnFiles.h"
 #include "text/Refusal.h"
 #include "text/Utf8.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -32,7 +34,7 @@ std::size_t tooDeepAt(std::string_view text) {
     std::size_t depth = 0;
     bool quoted = false;
     std::size_t at = 0;
-    for (; at < text.size() && depth <= deepestJson; ++at) {
+    for (; at < text.size() && depth <= Limits::jsonDepth; ++at) {
         char const c = text[at];
         if (quoted) {
             at += c == '\\' ? 1 : 0;
@@ -90,9 +92,9 @@ private:
     };
 
     bool open(Json container) {
-        if (levels_.size() == deepestJson) {
+        if (levels_.size() == Limits::jsonDepth) {
             throw Refusal("nested too deep at " + lineAndColumn(text_, tooDeepAt(text_)) +
-                          ", expected at most " + std::to_string(deepestJson) +
+                          ", expected at most " + std::to_string(Limits::jsonDepth) +
                           " objects and arrays within each other");
         }
         levels_.push_back({std::move(container), {}});
@@ -131,11 +133,11 @@ private:
                   "), expected a readable file");
 }
 
-/// A file that is open for reading.
+/// A file that is open for reading. Opening does not wait for the other end of a pipe.
 class OpenedFile {
 public:
     explicit OpenedFile(std::filesystem::path const& path)
-        : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+        : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         if (descriptor_ < 0) {
             refuseFile(path_, std::strerror(errno));
         }
@@ -143,6 +145,11 @@ public:
     ~OpenedFile() { ::close(descriptor_); }
     OpenedFile(OpenedFile const&) = delete;
     OpenedFile& operator=(OpenedFile const&) = delete;
+
+    bool isRegular() const {
+        struct stat about {};
+        return ::fstat(descriptor_, &about) == 0 && S_ISREG(about.st_mode);
+    }
 
     /// Reads on, behind what is in `content`. False at the end of the file.
     bool readOn(std::string& content) const {
@@ -196,8 +203,14 @@ std::string readFile(std::filesystem::path const& path) {
         refuseFile(path, belongsToStateFile);
     }
     OpenedFile const file(path);
+    if (!file.isRegular()) { // a pipe or a device may never end
+        refuseFile(path, "not a regular file");
+    }
     std::string content;
     while (file.readOn(content)) {
+        if (content.size() > Limits::importFile) { // a size that is told may be another one by then
+            refuseFile(path, "more than " + std::to_string(Limits::importFile) + " bytes");
+        }
     }
     return content;
 }

@@ -1,5 +1,6 @@
 #include "input/FileLines.h"
 
+#include "Limits.h"
 #include "statefile/OwnFiles.h"
 #include "text/Utf8.h"
 
@@ -53,6 +54,7 @@ bool FileLines::next(CommandLine& line) {
     std::size_t end = buffer_.find('\n', at_);
     while (end == std::string::npos) {
         std::size_t const searched = buffer_.size() - at_;
+        checkLength(searched);
         if (!readMore()) {
             if (searched == 0) {
                 return false;
@@ -62,9 +64,17 @@ bool FileLines::next(CommandLine& line) {
         }
         end = buffer_.find('\n', at_ + searched);
     }
+    checkLength(end - at_);
     line = {name_, ++number_, std::string_view(buffer_).substr(at_, end - at_), false};
     at_ = std::min(end + 1, buffer_.size());
     return true;
+}
+
+void FileLines::checkLength(std::size_t length) const {
+    if (length > Limits::line) {
+        refuse("line " + std::to_string(number_ + 1) + " has more than " +
+               std::to_string(Limits::line) + " bytes");
+    }
 }
 
 /// Moves what is left of the buffer to its front and reads behind it.

@@ -11,7 +11,8 @@ namespace VpAgent {
 
 /// The lines of a script, or of standard input for the name `-`.
 ///
-/// A line ends with a line feed, which the last one may lack. Reads 64 KiB at a time. Before each
+/// A line ends with a line feed, which the last one may lack, and is at most `Limits::line` long.
+/// Reads 64 KiB at a time. Before each
 /// read, which may block as long as it takes somebody to write the next command, `beforeRead` is
 /// called.
 class FileLines final : public LineSource {
@@ -27,6 +28,7 @@ public:
 
 private:
     bool readMore();
+    void checkLength(std::size_t length) const;
     [[noreturn]] void refuse(std::string const& reason) const;
 
     std::string name_;

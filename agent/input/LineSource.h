@@ -10,7 +10,7 @@ public:
     virtual ~LineSource() = default;
 
     /// Reads the next line into `line`, whose texts hold until the next call. False at the end.
-    /// Throws `Refusal` when reading fails.
+    /// Throws `Refusal` when reading fails or a line is too long.
     virtual bool next(CommandLine& line) = 0;
 };
 

@@ -1,10 +1,12 @@
 #include "input/TerminalLines.h"
 
+#include "Limits.h"
 #include "input/TerminalCompletion.h"
 #include "state/Agent.h"
 
 #include <editline/readline.h>
 #include <langinfo.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -12,6 +14,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -42,6 +45,13 @@ int dropLine(int, int) {
 int raiseQuit(int, int) { return std::raise(SIGQUIT); }
 
 int raiseStop(int, int) { return std::raise(SIGTSTP); }
+
+/// The line editor keeps three copies of the screen.
+bool hasUsualSize() {
+    winsize size{};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 ||
+           U32{size.ws_row} * size.ws_col <= Limits::terminal;
+}
 
 /// What the terminal's characters for signals do while a line is typed. The one that interrupts
 /// drops the line, as in shells, and does not end the program, and a database in memory with it.
@@ -79,10 +89,14 @@ Line typedLine() {
     for (;;) {
         lineDropped = false;
         Line line(::readline("vpagent> "), &std::free);
-        if (!lineDropped) {
+        if (lineDropped) {
+            std::puts("^C");
+        } else if (line != nullptr && std::strlen(line.get()) > Limits::line) {
+            std::printf("error: the line has more than %zu bytes, expected a shorter one\n",
+                        Limits::line);
+        } else {
             return line;
         }
-        std::puts("^C");
     }
 }
 
@@ -104,7 +118,7 @@ TerminalLines::~TerminalLines() {
 }
 
 bool TerminalLines::available() {
-    return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDOUT_FILENO) == 1;
+    return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDOUT_FILENO) == 1 && hasUsualSize();
 }
 
 bool TerminalLines::next(CommandLine& line) {

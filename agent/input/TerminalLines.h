@@ -21,7 +21,8 @@ public:
     TerminalLines(TerminalLines const&) = delete;
     TerminalLines& operator=(TerminalLines const&) = delete;
 
-    /// Whether a person sits there: standard input and standard output are terminals.
+    /// Whether a person sits there: standard input and standard output are terminals, of no more
+    /// than `Limits::terminal` characters. In a larger one lines are read as from a file.
     static bool available();
 
     bool next(CommandLine& line) override;

@@ -1,5 +1,6 @@
 #include "language/Arguments.h"
 
+#include "Limits.h"
 #include "language/CommandTable.h"
 #include "language/Parse.h"
 #include "qor/ValueTraits.h"
@@ -92,8 +93,13 @@ void readList(ArgumentType type, Reader& reader, Arguments& arguments) {
         }
     }
     if (type == ArgumentType::intf) {
+        if (arguments.rest.size() > Limits::interfaces) {
+            throw Refusal("too many interfaces, expected at most " +
+                              std::to_string(Limits::interfaces),
+                          arguments.rest[Limits::interfaces].place());
+        }
         for (Word const& word : arguments.rest) {
-            arguments.intfs.insert(parseWord("interface", word, Netzo::IntfId::parse));
+            arguments.intfs.insert(parseWord("interface", word, parseKeyText<Netzo::IntfId>));
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "language/Parse.h"
 
+#include "Limits.h"
 #include "pelo/Decimal.h"
 #include "text/Utf8.h"
 
@@ -13,7 +14,7 @@ Refusal badWord(std::string_view role, Word const& word, Pelo::ParseError const&
 }
 
 std::optional<Pelo::ParseError> nameFault(std::string_view text) {
-    if (text.empty() || text.size() > longestName) {
+    if (text.empty() || text.size() > Limits::name) {
         return Pelo::ParseError{0, "a name of 1 to 255 bytes"};
     }
     for (std::size_t at = plainEnd(text, 0); at < text.size(); at = plainEnd(text, at)) {

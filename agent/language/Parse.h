@@ -15,9 +15,6 @@ namespace VpAgent {
 /// 0 to 65535`. The place is the part of the word that does not fit.
 Refusal badWord(std::string_view role, Word const& word, Pelo::ParseError const& error);
 
-/// The longest client name, in bytes.
-inline constexpr std::size_t longestName = 255;
-
 /// Why `text` is not a client name; nothing when it is one. A name has 1 to 255 bytes of UTF-8 and
 /// no control character.
 std::optional<Pelo::ParseError> nameFault(std::string_view text);

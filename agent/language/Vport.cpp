@@ -1,5 +1,6 @@
 #include "language/Vport.h"
 
+#include "Limits.h"
 #include "language/Parse.h"
 #include "text/Utf8.h"
 
@@ -53,6 +54,10 @@ template <class Key> std::optional<std::size_t> vlanAt(std::string_view text) {
 } // namespace
 
 template <class Key> Pelo::Parsed<Key> parseKeyText(std::string_view text) {
+    if (text.size() > Limits::keyText) {
+        return Pelo::ParseError{0,
+                                "a key of at most " + std::to_string(Limits::keyText) + " bytes"};
+    }
     auto key = Key::parse(text);
     if (key) {
         if (auto const fault = rangeFault(*key, text)) {

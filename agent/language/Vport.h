@@ -47,7 +47,8 @@ private:
     Key key_;
 };
 
-/// A key from its text form, with VLANs held to the range of commands, 1 to 4094.
+/// A key from its text form of at most `Limits::keyText` bytes, with VLANs held to the range of
+/// commands, 1 to 4094.
 template <class Key> Pelo::Parsed<Key> parseKeyText(std::string_view text);
 
 extern template Pelo::Parsed<VornicCentral::RemoteVtepKey> parseKeyText(std::string_view);

@@ -1,5 +1,6 @@
 #include "ring/MappedFile.h"
 
+#include "Limits.h"
 #include "statefile/OwnFiles.h"
 #include "text/Utf8.h"
 
@@ -55,6 +56,9 @@ MappedFile::MappedFile(Word const& name) {
     }
     if (!S_ISREG(status.st_mode)) {
         refuse(name, S_ISDIR(status.st_mode) ? "a folder" : "not a regular file");
+    }
+    if (static_cast<U64>(status.st_size) > Limits::ringFile) {
+        refuse(name, "more than " + std::to_string(Limits::ringFile) + " bytes");
     }
     auto const size = static_cast<std::size_t>(status.st_size);
     if (size == 0) {

@@ -13,7 +13,7 @@ namespace VpAgent {
 class MappedFile {
 public:
     /// Throws `Refusal`, at the place of the word, unless the file that it names can be read and is
-    /// a regular one.
+    /// a regular one of at most `Limits::ringFile` bytes.
     explicit MappedFile(Word const& name);
     ~MappedFile();
     MappedFile(MappedFile const&) = delete;

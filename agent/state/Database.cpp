@@ -16,6 +16,26 @@ Client const* Database::find(std::string_view name) const {
     return found == clients_.end() ? nullptr : &found->second;
 }
 
+namespace {
+
+/// The members of one record of each client.
+template <class Record>
+std::size_t membersOf(Database const& database, Pelo::Ptr<Record> Client::*record) {
+    std::size_t count = 0;
+    database.forEachClient([&](Client const& client) { count += (client.*record)->memberCount(); });
+    return count;
+}
+
+} // namespace
+
+bool Database::takeRoomForRequests(std::size_t count) {
+    return requestRoom_.take(count, [this] { return membersOf(*this, &Client::config); });
+}
+
+bool Database::takeRoomForStatuses(std::size_t count) {
+    return statusRoom_.take(count, [this] { return membersOf(*this, &Client::status); });
+}
+
 Client const& Database::know(std::string_view name) {
     auto found = clients_.find(name);
     if (found == clients_.end()) {

@@ -4,6 +4,7 @@
 #include "VornicL3Shared/VpIndexStatusDir.h"
 #include "pelo/Ptr.h"
 #include "pelo/String.h"
+#include "state/KeyRoom.h"
 #include "vpstate/VpIndexConfig.h"
 #include "vpstate/VpIndexStatus.h"
 #include "vpstate/VpInvalidReferenceList.h"
@@ -57,6 +58,14 @@ public:
     /// Whether the client's config stands in the config directory.
     bool isListed(Client const& client) const { return configs_->vpIndexConfigHas(client.name); }
 
+    /// Whether one client more may become known; the database itself takes any number.
+    bool roomForClient() const noexcept { return clients_.size() < Limits::clients; }
+
+    /// Takes room for so many requests, or entries of statuses, that are about to be added, by
+    /// whatever clients; false when there is none. Without it the records take any number.
+    bool takeRoomForRequests(std::size_t count);
+    bool takeRoomForStatuses(std::size_t count);
+
     /// Makes sure that the client is known and that its records stand in the directories, the
     /// status first. The records of a client that was removed are those that it had. `name` is a
     /// client name.
@@ -99,6 +108,8 @@ private:
     Pelo::Ptr<VornicCentral::VpIndexConfigDir> configs_;
     Pelo::Ptr<VornicCentral::VpIndexStatusDir> statuses_;
     std::unordered_map<Pelo::String, Client, Hash, Equal> clients_;
+    KeyRoom requestRoom_;
+    KeyRoom statusRoom_;
 };
 
 /// Calls `visit(key, value)` for each member of a collection, in its order.

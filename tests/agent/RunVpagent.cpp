@@ -49,7 +49,8 @@ std::string contentOf(std::FILE* file) {
 
 std::string vpagentProgram() { return VPAGENT_PROGRAM; }
 
-pid_t startVpagent(std::vector<std::string> const& arguments, int in, int out, int err) {
+pid_t startVpagent(std::vector<std::string> const& arguments, int in, int out, int err,
+                   std::function<void()> const& prepare) {
     std::vector<char*> argv;
     std::string program = vpagentProgram();
     std::vector<std::string> words = arguments;
@@ -63,6 +64,9 @@ pid_t startVpagent(std::vector<std::string> const& arguments, int in, int out, i
         ::dup2(in, STDIN_FILENO);
         ::dup2(out, STDOUT_FILENO);
         ::dup2(err, STDERR_FILENO);
+        if (prepare) {
+            prepare();
+        }
         ::execv(program.c_str(), argv.data());
         ::_exit(127);
     }
@@ -76,12 +80,13 @@ int statusOf(pid_t process) {
     return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-Outcome runVpagent(std::vector<std::string> const& arguments, std::string_view input) {
+Outcome runVpagent(std::vector<std::string> const& arguments, std::string_view input,
+                   std::function<void()> const& prepare) {
     File const in = temporaryFile(input);
     File const out = temporaryFile();
     File const err = temporaryFile();
-    pid_t const process =
-        startVpagent(arguments, ::fileno(in.get()), ::fileno(out.get()), ::fileno(err.get()));
+    pid_t const process = startVpagent(arguments, ::fileno(in.get()), ::fileno(out.get()),
+                                       ::fileno(err.get()), prepare);
     int const status = statusOf(process);
     return {status, contentOf(out.get()), contentOf(err.get())};
 }

@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,10 +21,13 @@ struct Outcome {
 };
 
 /// Runs the program to its end, with `input` as its standard input.
-Outcome runVpagent(std::vector<std::string> const& arguments, std::string_view input = {});
+Outcome runVpagent(std::vector<std::string> const& arguments, std::string_view input = {},
+                   std::function<void()> const& prepare = nullptr);
 
-/// Starts the program with these files as its standard input, output and error.
-pid_t startVpagent(std::vector<std::string> const& arguments, int in, int out, int err);
+/// Starts the program with these files as its standard input, output and error. `prepare` is called
+/// in the process that becomes the program.
+pid_t startVpagent(std::vector<std::string> const& arguments, int in, int out, int err,
+                   std::function<void()> const& prepare = nullptr);
 
 /// Waits for the end of a program: its exit status, or minus the signal that ended it.
 int statusOf(pid_t process);

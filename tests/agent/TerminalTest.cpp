@@ -1,3 +1,4 @@
+#include "Limits.h"
 #include "agent/RunVpagent.h"
 
 #include <gtest/gtest.h>
@@ -21,8 +22,10 @@ namespace {
 /// The program at a terminal, as a person has it.
 class Terminal : public testing::Test {
 protected:
-    Terminal() : process_(::forkpty(&terminal_, nullptr, nullptr, nullptr)) {
+    explicit Terminal(winsize const* size = nullptr)
+        : process_(::forkpty(&terminal_, nullptr, nullptr, size)) {
         if (process_ == 0) {
+            [[maybe_unused]] int const entered = ::chdir(folder_.path().c_str());
             ::setenv("TERM", "dumb", 1);
             ::setenv("LC_ALL", "C", 1); // the locale that knows least
             std::string const program = vpagentProgram();
@@ -36,25 +39,26 @@ protected:
     /// Waits, for at most a minute, until the terminal shows `text`; what it showed up to there
     /// is then done with.
     bool shows(std::string_view text) {
-        for (;;) {
+        do {
             std::size_t const at = shown_.find(text);
             if (at != std::string::npos) {
                 shown_.erase(0, at + text.size());
                 return true;
             }
-            pollfd ready{terminal_, POLLIN, 0};
-            std::array<char, 4096> buffer{};
-            if (::poll(&ready, 1, patience) != 1) {
-                break;
-            }
-            ssize_t const count = ::read(terminal_, buffer.data(), buffer.size());
-            if (count <= 0) {
-                break;
-            }
-            shown_.append(buffer.data(), static_cast<std::size_t>(count));
-        }
+        } while (readMore());
         ADD_FAILURE() << "the terminal does not show \"" << text << "\" but:\n" << shown_;
         return false;
+    }
+
+    /// Waits until the terminal shows so many bytes more, and forgets them.
+    bool showsAsMuchAs(std::size_t size) {
+        while (shown_.size() < size) {
+            if (!readMore()) {
+                return false;
+            }
+        }
+        shown_.clear();
+        return true;
     }
 
     /// Types once the line editor has the terminal. It shows its prompt a moment earlier, and an
@@ -64,8 +68,18 @@ protected:
             ASSERT_LT(waited, patience) << "the line editor does not take the terminal";
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
+        send(text);
+    }
+
+    /// Types at once.
+    void send(std::string_view text) const {
         ASSERT_EQ(::write(terminal_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
     }
+
+    /// What it has shown since.
+    std::string const& shown() const noexcept { return shown_; }
+
+    TemporaryFolder const folder_; ///< where the program stands
 
     /// The status that the program ends with; -1 when it has not ended after a minute.
     int exitStatus() const {
@@ -80,6 +94,16 @@ protected:
     }
 
 private:
+    /// False when nothing more comes within a minute.
+    bool readMore() {
+        pollfd ready{terminal_, POLLIN, 0};
+        std::array<char, 4096> buffer{};
+        ssize_t const count =
+            ::poll(&ready, 1, patience) == 1 ? ::read(terminal_, buffer.data(), buffer.size()) : 0;
+        shown_.append(buffer.data(), static_cast<std::size_t>(count < 0 ? 0 : count));
+        return count > 0;
+    }
+
     /// How the program ended, as `waitpid` tells it; -1 when it has not after a minute.
     int ending() const {
         int status = 0;
@@ -116,6 +140,51 @@ TEST_F(Terminal, CompletesWordsAndTellsTheOutcome) {
     ASSERT_TRUE(shows("vpagent> "));
     type("quit\n");
     EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(Terminal, CompletesNoFileNameThatATerminalWouldObey) {
+    for (char const* const name :
+         {"a-plain.json", "a\x1B[31m.json", "a\xE2\x80\xAE.json", "b\x07"}) {
+        folder_.write(name, "{}");
+    }
+    ASSERT_TRUE(shows("vpagent> "));
+    type("import a\t x\n");
+    ASSERT_TRUE(shows("import a-plain.json  x\r\nimport: client x: nothing to request\r\n"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("import b\t\n");
+    ASSERT_TRUE(shows("import b\r\nerror: "));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("quit\n");
+    EXPECT_EQ(exitStatus(), 2);
+}
+
+TEST_F(Terminal, GoesOnAfterALineThatIsTooLong) {
+    std::string const part(1000, 'x');
+    ASSERT_TRUE(shows("vpagent> "));
+    type("echo ");
+    for (std::size_t sent = 0; sent <= VpAgent::Limits::line; sent += part.size()) {
+        send(part);
+        ASSERT_TRUE(showsAsMuchAs(part.size()));
+    }
+    send("\n");
+    ASSERT_TRUE(shows("error: the line has more than 1048576 bytes, expected a shorter one"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("quit\n");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+/// A terminal that says it has more characters than the line editor should keep.
+class HugeTerminal : public Terminal {
+protected:
+    static constexpr winsize size{65535, 65535, 0, 0};
+    HugeTerminal() : Terminal(&size) {}
+};
+
+TEST_F(HugeTerminal, IsReadLikeAFile) {
+    send("echo still\nquit\n");
+    ASSERT_TRUE(shows("\nstill\r\n"));
+    EXPECT_EQ(exitStatus(), 0);
+    EXPECT_EQ(shown().find("vpagent> "), std::string::npos);
 }
 
 TEST_F(Terminal, GoesOnAfterAnError) {
