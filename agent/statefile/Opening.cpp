@@ -21,6 +21,7 @@
 #include <string_view>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace VpAgent {
 
@@ -163,17 +164,33 @@ OpenFile::LogGuard::~LogGuard() {
     }
 }
 
-OpenFile::OpenFile(fs::path const& path)
+OpenFile::OpenFile(fs::path const& path, U64 largest)
     : path_(checkedPath(path)),
       log_(path_.string() + "-wal"),
+      largest_(largest),
       connection_(path_.string()),
       guard_(log_) {
     connection_.keepLogAtClose(true);
+    checkSizes();
     if (checkHeader(connection_)) {
         makeIfEmpty();
     }
     lock();
     checkContent();
+}
+
+/// Before SQLite reads any of them.
+void OpenFile::checkSizes() const {
+    for (auto const& [file, most] : {std::pair(path_, largest_), std::pair(log_, 2 * largest_),
+                                     std::pair(fs::path(path_.string() + "-journal"), largest_)}) {
+        std::error_code error;
+        auto const size = fs::file_size(file, error);
+        if (!error && size > most) {
+            throw Refusal((file == path_ ? "it" : file.filename().string() + " beside it") +
+                          " has more than " + std::to_string(most) +
+                          " bytes, expected a smaller one");
+        }
+    }
 }
 
 /// In one transaction, which a rollback journal guards. Reading takes back what a run wrote that
@@ -205,8 +222,9 @@ void OpenFile::lock() {
     }
     guard_.activate();
     // Nothing is written but the file and its log, and to the log only at a commit.
-    connection_.run("PRAGMA temp_store = MEMORY; PRAGMA cache_spill = OFF;"
-                    "PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON");
+    connection_.run("PRAGMA temp_store = MEMORY; PRAGMA cache_spill = OFF");
+    U64 const pages = largest_ / connection_.number("PRAGMA page_size");
+    connection_.run(("PRAGMA max_page_count = " + std::to_string(pages)).c_str());
 }
 
 void OpenFile::checkContent() {
@@ -230,14 +248,14 @@ void OpenFile::accept() {
     }
 }
 
-OpenFile openAlone(fs::path const& path) {
+OpenFile openAlone(fs::path const& path, U64 largest) {
     constexpr int retries = 8;
     std::random_device seed;
     std::minstd_rand random(seed());
     std::uniform_int_distribution<int> milliseconds(10, 60);
     for (int left = retries;; --left) {
         try {
-            return OpenFile(path);
+            return OpenFile(path, largest);
         } catch (SqliteError const& error) {
             if (!error.busy() || left == 0) {
                 throw;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/Integers.h"
 #include "statefile/Sqlite.h"
 
 #include <filesystem>
@@ -8,6 +9,8 @@
 namespace VpAgent {
 
 /// A state file that this program has to itself, and that passed all checks but that of its rows.
+///
+/// It has at most `largest` bytes, and never gets larger; its log has at most twice as many.
 ///
 /// Until `accept` the file stays byte for byte as it is, and nothing is left beside it; but a file
 /// that is not there or empty is made new. The constructor throws `Refusal`, `SqliteError` or
@@ -19,7 +22,7 @@ namespace VpAgent {
 /// of it lives on. (A lock by `flock` would stay for as long as any copy has the file open.)
 class OpenFile {
 public:
-    explicit OpenFile(std::filesystem::path const& path);
+    OpenFile(std::filesystem::path const& path, U64 largest);
 
     Connection& connection() noexcept { return connection_; }
 
@@ -45,17 +48,19 @@ private:
         bool active_ = false;
     };
 
+    void checkSizes() const;
     void makeIfEmpty();
     void lock();
     void checkContent();
 
     std::filesystem::path path_;
     std::filesystem::path log_;
+    U64 largest_;
     Connection connection_;
     LogGuard guard_;
 };
 
 /// Opens a file; while another program uses it, tries again a few times in half a second.
-OpenFile openAlone(std::filesystem::path const& path);
+OpenFile openAlone(std::filesystem::path const& path, U64 largest);
 
 } // namespace VpAgent

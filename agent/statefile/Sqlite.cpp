@@ -1,5 +1,7 @@
 #include "statefile/Sqlite.h"
 
+#include "Limits.h"
+
 #include <sqlite3.h>
 
 #include <cstring>
@@ -19,6 +21,9 @@ std::string description(sqlite3* connection, int code) {
     if ((primary == SQLITE_IOERR || primary == SQLITE_CANTOPEN || primary == SQLITE_FULL) &&
         reason != 0) {
         text += std::string(" (") + std::strerror(reason) + ')';
+    }
+    if (primary == SQLITE_FULL) { // SQLite does not tell the two apart
+        text += "; a state file has at most " + std::to_string(Limits::stateFile) + " bytes";
     }
     return text;
 }
@@ -46,6 +51,21 @@ Connection::Connection(std::string const& path) {
         sqlite3_close(handle_);
         throw error;
     }
+    distrust();
+}
+
+/// Whoever made the file may have put anything into it. Nothing that its schema says is carried
+/// out, no page is taken for sound, and no value is larger than those of a state file.
+void Connection::distrust() {
+    for (auto const& [option, on] :
+         {std::pair(SQLITE_DBCONFIG_DEFENSIVE, 1), std::pair(SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0),
+          std::pair(SQLITE_DBCONFIG_ENABLE_TRIGGER, 0),
+          std::pair(SQLITE_DBCONFIG_ENABLE_VIEW, 0)}) {
+        sqlite3_db_config(handle_, option, on, nullptr);
+    }
+    sqlite3_limit(handle_, SQLITE_LIMIT_LENGTH, Limits::stateValue);
+    sqlite3_limit(handle_, SQLITE_LIMIT_ATTACHED, 0);
+    run("PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0");
 }
 
 Connection::~Connection() { sqlite3_close(handle_); }

@@ -27,8 +27,9 @@ private:
 
 /// One open database file.
 ///
-/// Errors are thrown as `SqliteError`. Not thread-safe. A forked copy of the process must not use
-/// or close it.
+/// Nothing that the file says of itself is trusted: its triggers and views do not run, its schema
+/// calls no functions, and it is never mapped. Errors are thrown as `SqliteError`. Not thread-safe.
+/// A forked copy of the process must not use or close it.
 class Connection {
 public:
     /// Opens the file for reading and writing; makes an empty one when there is none. Neither
@@ -51,6 +52,8 @@ public:
     std::string text(char const* sql);
 
 private:
+    void distrust();
+
     sqlite3* handle_ = nullptr;
 };
 

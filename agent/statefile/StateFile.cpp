@@ -20,9 +20,10 @@ std::string explained(SqliteError const& error) {
 
 } // namespace
 
-std::unique_ptr<StateFile> StateFile::open(std::filesystem::path const& path, Database& database) {
+std::unique_ptr<StateFile> StateFile::open(std::filesystem::path const& path, Database& database,
+                                           U64 largest) {
     try {
-        return std::unique_ptr<StateFile>(new StateFile(path, database));
+        return std::unique_ptr<StateFile>(new StateFile(path, database, largest));
     } catch (SqliteError const& error) {
         refuse(path, explained(error));
     } catch (Damage const& damage) {
@@ -35,9 +36,9 @@ std::unique_ptr<StateFile> StateFile::open(std::filesystem::path const& path, Da
     }
 }
 
-StateFile::StateFile(std::filesystem::path const& path, Database& database)
+StateFile::StateFile(std::filesystem::path const& path, Database& database, U64 largest)
     : name_(path.string()),
-      file_(openAlone(path)),
+      file_(openAlone(path, largest)),
       log_(file_.connection()),
       loaded_(load(file_.connection(), database)),
       tracker_(database, loaded_),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Limits.h"
 #include "statefile/ChangeTracker.h"
 #include "statefile/Opening.h"
 #include "statefile/WriteAheadLog.h"
@@ -37,10 +38,11 @@ public:
     /// Opens the file, or makes a new one where there is none or an empty one, and fills
     /// `database`, which is empty and must outlive this.
     ///
-    /// Throws `Refusal` when the file is of another kind, of another version, damaged, in use by
-    /// another program, or not to be written. It is then untouched; the database may be half
-    /// filled.
-    static std::unique_ptr<StateFile> open(std::filesystem::path const& path, Database& database);
+    /// Throws `Refusal` when the file is of another kind, of another version, damaged, larger than
+    /// `largest` bytes, in use by another program, or not to be written. It is then untouched; the
+    /// database may be half filled.
+    static std::unique_ptr<StateFile> open(std::filesystem::path const& path, Database& database,
+                                           U64 largest = Limits::stateFile);
 
     /// Brings all changes since the last commit to disk. False when there were none.
     ///
@@ -50,7 +52,7 @@ public:
     bool commit();
 
 private:
-    StateFile(std::filesystem::path const& path, Database& database);
+    StateFile(std::filesystem::path const& path, Database& database, U64 largest);
 
     std::string name_;
     OpenFile file_;
