@@ -9,15 +9,16 @@ namespace VpAgentTest {
 namespace {
 
 struct Plan {
-    bool armed = false;
-    unsigned left = 0; ///< operations that still succeed
-    int code = SQLITE_OK;
+    unsigned steps = 0; ///< what may fail; none: all is well
+    unsigned left = 0;  ///< operations that still succeed
+    FaultyDisk::Fault fault = FaultyDisk::Fault::full;
     bool forEver = false;
     bool failed = false;
 
-    /// The code with which the next operation fails; `SQLITE_OK` when it does not.
-    int next() {
-        if (!armed) {
+    /// The code with which the next operation, of this kind, fails, which is `broken` when the disk
+    /// is not full; `SQLITE_OK` when it does not.
+    int next(FaultyDisk::Step step, int broken) {
+        if ((steps & step) == 0) {
             return SQLITE_OK;
         }
         if (left != 0) {
@@ -28,7 +29,7 @@ struct Plan {
             return SQLITE_OK;
         }
         failed = true;
-        return code;
+        return fault == FaultyDisk::Fault::full ? SQLITE_FULL : broken;
     }
 };
 
@@ -61,31 +62,37 @@ int closeFile(sqlite3_file* file) {
     return real->pMethods == nullptr ? SQLITE_OK : real->pMethods->xClose(real);
 }
 int readFile(sqlite3_file* file, void* bytes, int count, sqlite3_int64 at) {
-    return below(file)->pMethods->xRead(below(file), bytes, count, at);
+    int const code = plan.next(FaultyDisk::reading, SQLITE_IOERR_READ);
+    return code != SQLITE_OK ? code : below(file)->pMethods->xRead(below(file), bytes, count, at);
 }
 int writeFile(sqlite3_file* file, void const* bytes, int count, sqlite3_int64 at) {
     tell(FaultyDisk::Operation::change);
-    int const code = plan.next();
+    int const code = plan.next(FaultyDisk::writing, SQLITE_IOERR_WRITE);
+    if (code != SQLITE_OK && plan.fault == FaultyDisk::Fault::cut) {
+        below(file)->pMethods->xWrite(below(file), bytes, count / 2, at);
+    }
     return code != SQLITE_OK ? code : below(file)->pMethods->xWrite(below(file), bytes, count, at);
 }
 int truncateFile(sqlite3_file* file, sqlite3_int64 size) {
     tell(FaultyDisk::Operation::change);
-    int const code = plan.next();
+    int const code = plan.next(FaultyDisk::truncating, SQLITE_IOERR_TRUNCATE);
     return code != SQLITE_OK ? code : below(file)->pMethods->xTruncate(below(file), size);
 }
 int syncFile(sqlite3_file* file, int flags) {
     ++syncCount;
     tell(FaultyDisk::Operation::sync);
-    int const code = plan.next();
+    int const code = plan.next(FaultyDisk::syncing, SQLITE_IOERR_FSYNC);
     return code != SQLITE_OK ? code : below(file)->pMethods->xSync(below(file), flags);
 }
 int sizeOfFile(sqlite3_file* file, sqlite3_int64* size) {
     tell(FaultyDisk::Operation::look);
-    return below(file)->pMethods->xFileSize(below(file), size);
+    int const code = plan.next(FaultyDisk::asking, SQLITE_IOERR_FSTAT);
+    return code != SQLITE_OK ? code : below(file)->pMethods->xFileSize(below(file), size);
 }
 int lockFile(sqlite3_file* file, int lock) {
     tell(FaultyDisk::Operation::lock);
-    return below(file)->pMethods->xLock(below(file), lock);
+    int const code = plan.next(FaultyDisk::locking, SQLITE_IOERR_LOCK);
+    return code != SQLITE_OK ? code : below(file)->pMethods->xLock(below(file), lock);
 }
 int unlockFile(sqlite3_file* file, int lock) {
     return below(file)->pMethods->xUnlock(below(file), lock);
@@ -124,6 +131,10 @@ sqlite3_vfs* realVfs(sqlite3_vfs* vfs) { return static_cast<sqlite3_vfs*>(vfs->p
 
 int openFile(sqlite3_vfs* vfs, char const* name, sqlite3_file* file, int flags, int* outFlags) {
     file->pMethods = nullptr;
+    int const fault = plan.next(FaultyDisk::opening, SQLITE_CANTOPEN);
+    if (fault != SQLITE_OK) {
+        return fault;
+    }
     int const code = realVfs(vfs)->xOpen(realVfs(vfs), name, below(file), flags, outFlags);
     if (code == SQLITE_OK) {
         file->pMethods = &methods;
@@ -133,7 +144,7 @@ int openFile(sqlite3_vfs* vfs, char const* name, sqlite3_file* file, int flags, 
 
 int deleteFile(sqlite3_vfs* vfs, char const* name, int syncFolder) {
     tell(FaultyDisk::Operation::change);
-    int const code = plan.next();
+    int const code = plan.next(FaultyDisk::removing, SQLITE_IOERR_DELETE);
     return code != SQLITE_OK ? code : realVfs(vfs)->xDelete(realVfs(vfs), name, syncFolder);
 }
 
@@ -158,14 +169,13 @@ FaultyDisk::~FaultyDisk() {
     delete vfs_;
 }
 
-void FaultyDisk::failAt(unsigned at, Fault fault, Lasting lasting) {
-    plan = {true, at, fault == Fault::full ? SQLITE_FULL : SQLITE_IOERR,
-            lasting == Lasting::forEver, false};
+void FaultyDisk::failAt(unsigned at, Fault fault, Lasting lasting, unsigned steps) {
+    plan = {steps, at, fault, lasting == Lasting::forEver, false};
 }
 
 void FaultyDisk::before(std::function<void(Operation)> newHook) { hook = std::move(newHook); }
 
-void FaultyDisk::repair() { plan.armed = false; }
+void FaultyDisk::repair() { plan.steps = 0; }
 
 bool FaultyDisk::failed() const { return plan.failed; }
 

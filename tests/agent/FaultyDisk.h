@@ -6,22 +6,36 @@ struct sqlite3_vfs;
 
 namespace VpAgentTest {
 
-/// A disk under SQLite on which, from the n-th operation on that would change it, every such
-/// operation fails, or only that one.
+/// A disk under SQLite on which, from the n-th operation of some kinds on, every such operation
+/// fails, or only that one.
 ///
 /// While it lives it stands between SQLite and the files of every connection that is opened.
 class FaultyDisk {
 public:
-    enum class Fault { full, broken };
+    /// A write that is cut writes its first half before it fails.
+    enum class Fault { full, broken, cut };
     enum class Lasting { once, forEver };
+
+    /// What may fail. Several are joined with `|`.
+    enum Step : unsigned {
+        opening = 1,
+        reading = 2,
+        writing = 4,
+        truncating = 8,
+        removing = 16,
+        syncing = 32,
+        locking = 64,
+        asking = 128, ///< for the size of a file
+    };
+    static constexpr unsigned changing = writing | truncating | removing | syncing;
 
     FaultyDisk();
     ~FaultyDisk();
     FaultyDisk(FaultyDisk const&) = delete;
     FaultyDisk& operator=(FaultyDisk const&) = delete;
 
-    /// The operation numbered `at` from now on fails, counted from 0.
-    void failAt(unsigned at, Fault fault, Lasting lasting);
+    /// The operation of these kinds numbered `at` from now on fails, counted from 0.
+    void failAt(unsigned at, Fault fault, Lasting lasting, unsigned steps = changing);
     /// No operation fails any more.
     void repair();
 

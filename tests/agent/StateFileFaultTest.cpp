@@ -35,7 +35,7 @@ void change(VpAgent::Database& database, unsigned round) {
 /// that the next commit would have brought.
 struct Life {
     bool opened = false;
-    bool complained = false;
+    std::string complaint;
     std::string acknowledged;
     std::string underWay;
 };
@@ -54,10 +54,10 @@ Life liveOn(std::filesystem::path const& path) {
             life.acknowledged = life.underWay;
         }
     } catch (VpAgent::Refusal const& refusal) {
-        life.complained = true;
+        life.complaint = refusal.what();
         EXPECT_THAT(refusal.what(), HasSubstr("cannot use the state file \"" + path.string()));
     } catch (VpAgent::StateFileError const& error) {
-        life.complained = true;
+        life.complaint = error.what();
         EXPECT_THAT(error.what(), HasSubstr("\"" + path.string() + "\" cannot be written: "));
     }
     return life;
@@ -72,35 +72,143 @@ std::size_t countOf(std::string_view text, std::string_view part) {
     return count;
 }
 
-class DiskFault : public testing::TestWithParam<std::tuple<Fault, Lasting>> {};
+/// How the disk fails, in which operations, and how often at least a life meets them.
+struct Trouble {
+    char const* name;
+    unsigned steps;
+    Fault fault;
+    char const* words; ///< that the message holds
+    unsigned least;
+};
 
-TEST_P(DiskFault, AtAnyWriteLosesNothingThatWasAcknowledged) {
-    FaultyDisk disk;
-    bool met = true;
+constexpr Trouble troubles[] = {
+    {"FullAtAnyChange", FaultyDisk::changing, Fault::full, "database or disk is full", 40},
+    {"BrokenAtAnyChange", FaultyDisk::changing, Fault::broken, "disk I/O error", 40},
+    {"WritesThatAreCut", FaultyDisk::writing, Fault::cut, "disk I/O error", 30},
+    {"Openings", FaultyDisk::opening, Fault::broken, "unable to open database file", 2},
+    {"Reads", FaultyDisk::reading, Fault::broken, "", 8},
+    {"Locks", FaultyDisk::locking, Fault::broken, "disk I/O error", 3},
+    {"Sizes", FaultyDisk::asking, Fault::broken, "", 8},
+};
+
+/// The files of a state file, as a kill leaves them.
+struct Files {
+    std::string file;
+    std::string log;
+    std::string content;
+};
+
+Files killedRun() {
+    TemporaryFolder const folder;
+    auto const path = folder.path() / "state";
+    KeptAgent kept(path);
+    for (unsigned round = 5; round < 8; ++round) {
+        change(kept.database(), round);
+        kept.commit();
+    }
+    return {bytesOf(path), bytesOf(path.string() + "-wal"), kept.content()};
+}
+
+class DiskFault : public testing::TestWithParam<std::tuple<Trouble, Lasting>> {
+protected:
+    /// Lives on a disk that fails at the first such operation, at the second and so on, until a
+    /// life meets none. Gives how many there were.
+    unsigned liveAtEachOperation(Files const& before);
+
+    FaultyDisk disk_;
+};
+
+unsigned DiskFault::liveAtEachOperation(Files const& before) {
+    auto const& [trouble, lasting] = GetParam();
     unsigned at = 0;
-    for (; met; ++at) {
-        ASSERT_LT(at, 1000u);
+    for (bool met = true; met; ++at) {
         SCOPED_TRACE(at);
         TemporaryFolder const folder;
         auto const path = folder.path() / "state";
-        disk.failAt(at, std::get<0>(GetParam()), std::get<1>(GetParam()));
+        if (!before.file.empty()) {
+            folder.write("state", before.file);
+            folder.write("state-wal", before.log);
+        }
+        disk_.failAt(at, trouble.fault, lasting, trouble.steps);
         Life const life = liveOn(path);
-        met = disk.failed();
-        disk.repair();
-        std::string const content = KeptAgent(path).content();
-        if (life.opened && content != life.underWay) {
-            EXPECT_EQ(content, life.acknowledged);
+        met = disk_.failed();
+        disk_.repair();
+        Opened const found = openedFile(path);
+        EXPECT_EQ(found.refusal, "");
+        if (!life.opened) {
+            EXPECT_TRUE(before.file.empty() || found.content == before.content);
+        } else if (found.content != life.underWay) {
+            EXPECT_EQ(found.content, life.acknowledged);
         }
         // Only when the run was over may a fault go unsaid.
-        EXPECT_TRUE(!met || life.complained || life.acknowledged == life.underWay);
-        ASSERT_FALSE(HasFailure());
+        EXPECT_TRUE(!met || !life.complaint.empty() || life.acknowledged == life.underWay);
+        EXPECT_TRUE(life.complaint.empty() ||
+                    life.complaint.find(trouble.words) != std::string::npos)
+            << life.complaint;
+        if (HasFailure() || at == 2000) {
+            return 0;
+        }
     }
-    EXPECT_GT(at, 40u);
+    return at - 1;
+}
+
+TEST_P(DiskFault, InANewFileLosesNothingThatWasAcknowledged) {
+    EXPECT_GE(liveAtEachOperation({}), std::get<0>(GetParam()).least);
+}
+
+TEST_P(DiskFault, InAFileWithTheLogOfAKilledRunLosesNothingThatWasAcknowledged) {
+    liveAtEachOperation(killedRun());
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, DiskFault,
-                         testing::Combine(testing::Values(Fault::full, Fault::broken),
-                                          testing::Values(Lasting::once, Lasting::forEver)));
+                         testing::Combine(testing::ValuesIn(troubles),
+                                          testing::Values(Lasting::once, Lasting::forEver)),
+                         [](auto const& each) {
+                             return std::string(std::get<0>(each.param).name) +
+                                    (std::get<1>(each.param) == Lasting::once ? "Once" : "ForEver");
+                         });
+
+/// A run of which the log has grown so long that the next commit brings it into the file: at any
+/// operation of that commit, the disk fails.
+TEST_P(DiskFault, WhileALongLogIsBroughtIntoTheFileLosesNothingThatWasAcknowledged) {
+    auto const& [trouble, lasting] = GetParam();
+    unsigned at = 0;
+    for (bool met = true; met; at += at < 24 ? 1u : 83u) {
+        SCOPED_TRACE(at);
+        TemporaryFolder const folder;
+        auto const path = folder.path() / "state";
+        std::string acknowledged;
+        std::string underWay;
+        std::string complaint;
+        {
+            KeptAgent kept(path);
+            auto const& client = kept.database().add("a");
+            constexpr std::size_t longerThanALog = 1010 * 4096;
+            client.config->eFilterDisableVportIs(Netzo::IntfId(std::string(longerThanALog, 'x')),
+                                                 true);
+            kept.commit();
+            acknowledged = kept.content();
+            change(kept.database(), 1);
+            underWay = kept.content();
+            disk_.failAt(at, trouble.fault, lasting, trouble.steps);
+            try {
+                kept.commit();
+            } catch (VpAgent::StateFileError const& error) {
+                complaint = error.what();
+            }
+        } // the disk fails while the file is closed, too
+        met = disk_.failed();
+        disk_.repair();
+        Opened const found = openedFile(path);
+        EXPECT_EQ(found.refusal, "");
+        EXPECT_TRUE(found.content == underWay ||
+                    (!complaint.empty() && found.content == acknowledged));
+        EXPECT_TRUE(complaint.empty() || complaint.find(trouble.words) != std::string::npos)
+            << complaint;
+        ASSERT_FALSE(HasFailure());
+        ASSERT_LT(at, 20000u);
+    }
+}
 
 TEST(StateFile, ForcesEachCommitToTheDisk) {
     FaultyDisk const disk;
