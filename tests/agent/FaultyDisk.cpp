@@ -69,7 +69,8 @@ int writeFile(sqlite3_file* file, void const* bytes, int count, sqlite3_int64 at
     tell(FaultyDisk::Operation::change);
     int const code = plan.next(FaultyDisk::writing, SQLITE_IOERR_WRITE);
     if (code != SQLITE_OK && plan.fault == FaultyDisk::Fault::cut) {
-        below(file)->pMethods->xWrite(below(file), bytes, count / 2, at);
+        constexpr int sector = 512;
+        below(file)->pMethods->xWrite(below(file), bytes, count / 2 / sector * sector, at);
     }
     return code != SQLITE_OK ? code : below(file)->pMethods->xWrite(below(file), bytes, count, at);
 }

@@ -12,7 +12,7 @@ namespace VpAgentTest {
 /// While it lives it stands between SQLite and the files of every connection that is opened.
 class FaultyDisk {
 public:
-    /// A write that is cut writes its first half before it fails.
+    /// A write that is cut writes its first half before it fails, as far as that is whole sectors.
     enum class Fault { full, broken, cut };
     enum class Lasting { once, forEver };
 
