@@ -29,7 +29,8 @@ namespace Bask {
 /// Not thread-safe.
 class VORNIC_RUNTIME_API Bitmap final : public Pelo::Node, public Pelo::SlabAllocated<Bitmap> {
 public:
-    /// `id` is a number of the owner's choice, which the bitmap only keeps; `size` is in bits.
+    /// `id` is a number of the owner's choice, which the bitmap only keeps; `size` is in bits. The
+    /// only operation that takes memory.
     Bitmap(U64 id, U32 size, HBitmap::BitState initialBitState);
 
     U64 id() const noexcept { return id_; }

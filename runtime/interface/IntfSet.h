@@ -18,7 +18,8 @@ namespace Interface {
 ///
 /// Made for the usual 0 to 64 members: a sorted array. A search compares a handful of names, an
 /// insertion or a removal moves the members behind it, equality compares a word a member. Any
-/// change ends the validity of iterators. Not thread-safe; its ids follow the thread-control rule.
+/// change ends the validity of iterators; one that throws (`std::bad_alloc`) has changed nothing.
+/// Not thread-safe; its ids follow the thread-control rule.
 class VORNIC_RUNTIME_API IntfSet {
 public:
     using const_iterator = std::vector<Netzo::IntfId>::const_iterator;

@@ -83,6 +83,7 @@ template <class... Args> struct FormatOf<std::tuple<Args...>> {
 
 template <class T> std::string printed(T const& value) {
     std::ostringstream out;
+    out.exceptions(std::ios::badbit); // or it swallows those of the printer and cuts the text
     out << value;
     return std::move(out).str();
 }

@@ -61,7 +61,7 @@ public:
     /// The descriptor of this call site that has these words, which gets a message number if it has
     /// none yet: this one, if it has no words so far or the same, or a further one. `format` must
     /// outlive the descriptor. The numbers count from 0; a process that needs more than
-    /// `maxMessages` fails an assertion.
+    /// `maxMessages` fails an assertion. When it throws (`std::bad_alloc`) nothing has changed.
     MsgDescriptor& withWords(char const* format, std::span<Qor::Words const> words);
 
 private:

@@ -130,13 +130,13 @@ void RingBuffer::messageEnabledIs(U32 msgId, bool enabled) {
 
 void RingBuffer::describe(MsgDescriptor const& descriptor) {
     std::string const bytes = descriptorBytes(descriptor);
+    U8& state = stateFor(descriptor.msgId()); // may throw: nothing is stored yet
     if (bytes.size() <= header_->descriptorSize - header_->descriptorUsed) {
         std::memcpy(descriptors_ + header_->descriptorUsed, bytes.data(), bytes.size());
         std::atomic_signal_fence(
             std::memory_order_seq_cst); // the description is whole before it counts
         header_->descriptorUsed += bytes.size();
     }
-    U8& state = stateFor(descriptor.msgId());
     state = static_cast<U8>(state | known);
 }
 

@@ -84,7 +84,8 @@ public:
     }
 
     /// Stores the description of a message that has its number. When the room for descriptions is
-    /// used up, its records can be read without their text only.
+    /// used up, its records can be read without their text only. When it throws (`std::bad_alloc`)
+    /// nothing has changed, as with `messageEnabledIs`.
     void describe(MsgDescriptor const& descriptor);
 
     /// A record is written by `startMsg`, appends that add up to `payloadSize`, and `endMsg`, with

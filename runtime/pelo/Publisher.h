@@ -77,7 +77,7 @@ public:
 
     /// Registers a reactor, behind the others or, with `atFront`, before them. Nothing happens when
     /// it is subscribed here already; one that is subscribed elsewhere leaves its other publisher
-    /// first.
+    /// first. When it throws (`std::bad_alloc`) nothing has changed.
     void subscriberAdd(Subscriber* subscriber, bool atFront);
 
     /// Removes a reactor; nothing happens when it is not subscribed here.

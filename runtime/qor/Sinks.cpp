@@ -1,5 +1,6 @@
 #include "qor/Sinks.h"
 
+#include "pelo/NoThrow.h"
 #include "pelo/Stack.h"
 #include "qor/TraceHandle.h"
 
@@ -110,8 +111,12 @@ void assertionEmit(AssertionFailure const& failure) noexcept {
     }
 }
 
-void traceEmit(TraceLine const& line) noexcept { emit<TraceSink>(line); }
-void logEmit(LogMessage const& message) noexcept { emit<LogSink>(message); }
+void traceEmit(TraceLine const& line) noexcept {
+    Pelo::runNoThrow([&] { emit<TraceSink>(line); });
+}
+void logEmit(LogMessage const& message) noexcept {
+    Pelo::runNoThrow([&] { emit<LogSink>(message); });
+}
 
 std::string utcTimeText(U64 nanoseconds) { return utcText(nanoseconds).text; }
 

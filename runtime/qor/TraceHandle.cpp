@@ -3,16 +3,19 @@
 #include "lumlog/RingBuffer.h"
 #include "qor/Assert.h"
 
+#include <utility>
+
 namespace Qor {
 
 constinit TraceHandle* TraceHandle::first_ = nullptr;
 constinit bool TraceHandle::ringPresent_ = false;
 
 TraceHandle::TraceHandle(char const* name, bool allLevelsOn)
-    : levelsMask_(allLevelsOn ? ~U64{0} : U64{0}), name_(name), next_(first_) {
-    first_ = this;
+    : levelsMask_(allLevelsOn ? ~U64{0} : U64{0}), name_(name) {
+    Lumlog::RingBuffer* const ring = Lumlog::RingBuffer::current(); // may throw: listed afterwards
+    next_ = std::exchange(first_, this);
     Lumlog::RingBuffer::currentObserverIs(&TraceHandle::ringChanged);
-    ringChanged(Lumlog::RingBuffer::current());
+    ringChanged(ring);
 }
 
 TraceHandle::~TraceHandle() {

@@ -26,7 +26,7 @@ public:
     static constexpr U32 levelCount = 64;
 
     /// `name` must outlive the handle, as a literal does. With `allLevelsOn` every level is on,
-    /// else none is.
+    /// else none is. Without memory for the ring buffer (`std::bad_alloc`) there is no handle.
     TraceHandle(char const* name, bool allLevelsOn);
     ~TraceHandle();
     TraceHandle(TraceHandle const&) = delete;

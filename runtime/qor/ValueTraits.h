@@ -49,6 +49,7 @@ template <class T> struct ValueTraits {
     static std::string name() { return sourceName(typeid(T)); }
     static std::string text(T const& value) {
         std::ostringstream out;
+        out.exceptions(std::ios::badbit); // or it swallows those of the printer and cuts the text
         out << value;
         return std::move(out).str();
     }

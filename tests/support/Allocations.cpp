@@ -6,8 +6,10 @@
 namespace {
 
 thread_local U32 allocations = 0;
-thread_local std::int64_t alive = 0;
+thread_local std::int64_t living = 0;
 thread_local bool failing = false;
+thread_local bool momentary = false;
+thread_local bool anyFailed = false;
 thread_local U32 passing = 0;
 
 /// `alignment` is 0 for storage that fits every type without a wish of its own.
@@ -15,6 +17,8 @@ void* allocate(std::size_t size, std::size_t alignment) {
     ++allocations;
     if (failing) {
         if (passing == 0) {
+            failing = !momentary;
+            anyFailed = true;
             throw std::bad_alloc();
         }
         --passing;
@@ -27,12 +31,12 @@ void* allocate(std::size_t size, std::size_t alignment) {
     if (storage == nullptr) {
         throw std::bad_alloc();
     }
-    ++alive;
+    ++living;
     return storage;
 }
 
-void giveBack(void* storage) noexcept {
-    alive -= storage == nullptr ? 0 : 1;
+void release(void* storage) noexcept {
+    living -= storage != nullptr ? 1 : 0;
     std::free(storage);
 }
 
@@ -48,16 +52,22 @@ void* allocateOrNull(std::size_t size) noexcept {
 
 namespace Support {
 
-FailingAllocations::FailingAllocations(U32 allowed) noexcept {
+FailingAllocations::FailingAllocations(U32 allowed, Shortage shortage) noexcept {
     passing = allowed;
+    momentary = shortage == Shortage::momentary;
+    anyFailed = false;
     failing = true;
 }
 
-FailingAllocations::~FailingAllocations() { failing = false; }
+FailingAllocations::~FailingAllocations() { end(); }
+bool FailingAllocations::failed() noexcept { return anyFailed; }
+void FailingAllocations::end() noexcept { failing = false; }
 
-CountedAllocations::CountedAllocations() noexcept : before_(allocations), liveBefore_(alive) {}
+std::int64_t livingAllocations() noexcept { return living; }
+
+CountedAllocations::CountedAllocations() noexcept : before_(allocations), livingBefore_(living) {}
 U32 CountedAllocations::count() const noexcept { return allocations - before_; }
-std::int64_t CountedAllocations::live() const noexcept { return alive - liveBefore_; }
+std::int64_t CountedAllocations::live() const noexcept { return living - livingBefore_; }
 
 } // namespace Support
 
@@ -77,11 +87,11 @@ void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
     return allocateOrNull(size);
 }
 
-void operator delete(void* storage) noexcept { giveBack(storage); }
-void operator delete[](void* storage) noexcept { giveBack(storage); }
-void operator delete(void* storage, std::size_t) noexcept { giveBack(storage); }
-void operator delete[](void* storage, std::size_t) noexcept { giveBack(storage); }
-void operator delete(void* storage, std::align_val_t) noexcept { giveBack(storage); }
-void operator delete[](void* storage, std::align_val_t) noexcept { giveBack(storage); }
-void operator delete(void* storage, std::size_t, std::align_val_t) noexcept { giveBack(storage); }
-void operator delete[](void* storage, std::size_t, std::align_val_t) noexcept { giveBack(storage); }
+void operator delete(void* storage) noexcept { release(storage); }
+void operator delete[](void* storage) noexcept { release(storage); }
+void operator delete(void* storage, std::size_t) noexcept { release(storage); }
+void operator delete[](void* storage, std::size_t) noexcept { release(storage); }
+void operator delete(void* storage, std::align_val_t) noexcept { release(storage); }
+void operator delete[](void* storage, std::align_val_t) noexcept { release(storage); }
+void operator delete(void* storage, std::size_t, std::align_val_t) noexcept { release(storage); }
+void operator delete[](void* storage, std::size_t, std::align_val_t) noexcept { release(storage); }
