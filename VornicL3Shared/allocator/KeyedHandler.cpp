@@ -60,8 +60,24 @@ void VpIndexAllocator::add(typename Kind::Key const& key, VpReference& reference
     VP_TRACE_TWIN(stepLevel, Words::handler, (Words::finalLabel, key, " vPort: ", vPort),
                   (Words::ringFinal(key), Words::ringIndex, vPort.vpIndex()));
     reference.referenceIs(name(), true);
-    writeStatus<Kind>(key, vPort);
-    vpReference_->is<Kind>(key, reference); // last: it wakes the state machine
+    try {
+        writeStatus<Kind>(key, vPort);
+        vpReference_->is<Kind>(key, reference); // last: it wakes the state machine
+    } catch (...) {
+        if (!held) {
+            takeBack<Kind>(key, vPort);
+        }
+        throw;
+    }
+}
+
+/// Undoes an allocation that could not be recorded, so that no index is in use without a reference.
+template <class Kind>
+void VpIndexAllocator::takeBack(typename Kind::Key const& key, VirtualPort vPort) {
+    if (vpIndexStatus_->get<Kind>(key) == vPort) {
+        vpIndexStatus_->del<Kind>(key);
+    }
+    vpIndexAllocatorDirSm_->freeVpIndex(vPort.vpIndex());
 }
 
 /// A new index, or the invalid virtual port when the table is full. A remote VTEP follows the

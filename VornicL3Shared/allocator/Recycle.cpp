@@ -17,7 +17,7 @@ constexpr char const* signature =
 void VpIndexAllocatorDirSm::recycleOrFreeVpIndex(U32 vpIndex) {
     Pelo::Ptr<VpIndexAllocatorDirSm> const self(this);
     if (handlerTurns_.somethingLeft()) {
-        handlerTurns_.leaveRelease([self, vpIndex] { self->recycleOrFree(vpIndex); });
+        handlerTurns_.leaveRelease([this, vpIndex] { recycleOrFree(vpIndex); });
     } else {
         handlerTurns_.run([&] { self->recycleOrFree(vpIndex); });
     }

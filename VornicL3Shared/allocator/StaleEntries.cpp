@@ -9,7 +9,7 @@ namespace VornicCentral {
 void VpIndexAllocatorDirSm::clearStaleEntries() {
     Pelo::Ptr<VpIndexAllocatorDirSm> const self(this);
     if (handlerTurns_.running()) {
-        handlerTurns_.leave(this, [self] { self->clearAllKinds(); });
+        handlerTurns_.leave(this, [this] { clearAllKinds(); });
     } else {
         handlerTurns_.run([&self] { self->clearAllKinds(); });
     }

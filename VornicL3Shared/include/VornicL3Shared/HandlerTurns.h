@@ -42,7 +42,8 @@ public:
     }
 
     /// Leaves a change of `owner`, or a release, to whoever is running (when nobody is, it waits
-    /// until somebody runs); the handler keeps alive what it needs. Like a reactor it must not
+    /// until somebody runs); the handler keeps alive what it needs, but not the owner of the turns,
+    /// which would then outlive everybody else when no turn follows. Like a reactor it must not
     /// throw (see `Pelo::runNoThrow`): whoever runs it did not ask for it.
     template <class Handler> void leave(void const* owner, Handler handler) {
         push(left_, owner, std::move(handler));

@@ -18,7 +18,8 @@ namespace VornicCentral {
 /// `Qor::HashMap2018`). The name of an entry and that of its record should be the same: nothing
 /// checks it.
 ///
-/// Cost: that of the collection and one call a subscriber. Not thread-safe.
+/// Only an insertion takes memory; one that throws (`std::bad_alloc`) has changed and published
+/// nothing. Cost: that of the collection and one call a subscriber. Not thread-safe.
 template <class R> class VORNICL3SHARED_API VpDirectory : public Qor::Entity {
 public:
     using Record = R;

@@ -140,6 +140,8 @@ private:
     VORNICL3SHARED_LOCAL void add(typename Kind::Key const& key, VpReference& reference, bool held);
     template <class Kind> VORNICL3SHARED_LOCAL VirtualPort allocate(typename Kind::Key const& key);
     template <class Kind>
+    VORNICL3SHARED_LOCAL void takeBack(typename Kind::Key const& key, VirtualPort vPort);
+    template <class Kind>
     VORNICL3SHARED_LOCAL void withdraw(typename Kind::Key const& key, VpReference& reference);
     template <class Kind>
     VORNICL3SHARED_LOCAL void release(typename Kind::Key const& key, U16 vpIndex);

@@ -32,7 +32,8 @@ namespace VornicCentral {
 /// removal is published. No more members are removed than there were at first, so it ends whatever
 /// the subscribers do; what they insert meanwhile may be left.
 ///
-/// Cost: that of the collection and one call a subscriber. Not thread-safe.
+/// Only an insertion takes memory; one that throws (`std::bad_alloc`) has changed and published
+/// nothing. Cost: that of the collection and one call a subscriber. Not thread-safe.
 template <class V> class VORNIC_VPSTATE_API VpRecord : public Qor::Entity {
     template <class List> struct CollectionOfEach;
     template <class... Kind> struct CollectionOfEach<std::tuple<Kind...>> {
