@@ -34,8 +34,8 @@ public:
 
     /// One use of the entry of this hash for which `matches(entry)` holds; if there is none, of the
     /// entry that `make()` returns, a pointer from `new` with a use count of 1. An exception of
-    /// `make`, or `std::bad_alloc`, leaves the table as it was. Both are called under the mutex: they must not use the
-    /// table.
+    /// `make`, or `std::bad_alloc`, leaves the table as it was. Both are called under the mutex:
+    /// they must not use the table.
     template <class Matches, class Make> Entry* take(U64 hash, Matches matches, Make make) {
         ThreadControlGuard const guard(mutex_);
         if (size_ + 1 > capacity_ - capacity_ / 4) {

@@ -63,8 +63,6 @@ FailingAllocations::~FailingAllocations() { end(); }
 bool FailingAllocations::failed() noexcept { return anyFailed; }
 void FailingAllocations::end() noexcept { failing = false; }
 
-std::int64_t livingAllocations() noexcept { return living; }
-
 CountedAllocations::CountedAllocations() noexcept : before_(allocations), livingBefore_(living) {}
 U32 CountedAllocations::count() const noexcept { return allocations - before_; }
 std::int64_t CountedAllocations::live() const noexcept { return living - livingBefore_; }

@@ -26,9 +26,6 @@ public:
     static void end() noexcept;
 };
 
-/// The allocations of this thread, less those that it has freed.
-std::int64_t livingAllocations() noexcept;
-
 /// Counts the allocations from its construction on, and those of them that are not given back.
 class CountedAllocations {
 public:

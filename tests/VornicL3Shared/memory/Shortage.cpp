@@ -120,10 +120,10 @@ Outcome runShort(Scenario const& scenario, U32 passing, Support::Shortage shorta
         Qor::assertionSinkIs([&](Qor::AssertionFailure const& failure) {
             report("assertion " + std::string(failure.text) + "\n");
         });
-        std::int64_t const before = Support::livingAllocations();
+        Support::CountedAllocations const counted;
         runWorld(scenario, report, passing, shortage);
-        std::int64_t const after = Support::livingAllocations();
-        report(std::to_string(after - before) + fieldEnd + std::to_string(livingObjects()));
+        std::int64_t const kept = counted.live();
+        report(std::to_string(kept) + fieldEnd + std::to_string(livingObjects()));
     });
     std::istringstream fields(ending.report);
     auto const field = [&fields] {
