@@ -119,8 +119,8 @@ def page(reasons):
         for left, reason in reasons.items():
             if left.path == path:
                 times = f", {reason.times} times" if reason.times > 1 else ""
-                never = "not always" if reason.sometimes else "never"
-                lines.append(f"- `{left.code}`{times}: {never} {words(left)}. {reason.why}")
+                outcome = f"{words(left)} by chance only" if reason.sometimes else f"never {words(left)}"
+                lines.append(f"- `{left.code}`{times}: {outcome}. {reason.why}")
     return "\n".join(lines[1:]) + "\n"
 
 

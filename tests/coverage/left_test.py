@@ -143,7 +143,14 @@ class Names(unittest.TestCase):
             "`a.cpp`:\n\n"
             "- `return 1;`: never runs. Because.\n"
             "- `return 1;`, 2 times: never `x == 1` is true. Because.\n"
-            "- `return 1;`: not always `y` is false. Because.\n"))
+            "- `return 1;`: `y` is false by chance only. Because.\n"))
+
+    def test_the_page_of_this_tree_has_the_list(self):
+        """Otherwise left.json has changed: scripts/coverage --page."""
+        here = Path(__file__).resolve().parent
+        reasons = left.parse((here / "left.json").read_text(encoding="utf-8"))
+        page = (here.parents[1] / "docs/reliability.md").read_text(encoding="utf-8")
+        self.assertIn(f"\n{left.page(reasons)}", page)
 
     def test_the_reasons_of_this_tree_are_sentences_about_lines_that_are_there(self):
         here = Path(__file__).resolve().parent
