@@ -110,10 +110,10 @@ public:
     /// What records, or prints, the operation and then the pieces that it is called with. To be
     /// called at once.
     template <Lumlog::Piece Op> auto recordAfter(Op&& op) const noexcept {
-        return [this, &op](auto&&... pieces) noexcept { record(op, pieces...); };
+        return [this, &op](auto&&... pieces) noexcept { this->record(op, pieces...); };
     }
     template <Lumlog::Piece Op> auto lineAfter(Op&& op) const noexcept {
-        return [this, &op](auto&&... pieces) noexcept { line(op, pieces...); };
+        return [this, &op](auto&&... pieces) noexcept { this->line(op, pieces...); };
     }
 
 private:
