@@ -35,11 +35,7 @@
 /// buffer some ten to twenty nanoseconds, in which no text is made of any piece that
 /// `Lumlog::ArgTraits` knows.
 #define QOR_TRACE(handle, level, unit, ...)                                                        \
-    QOR_TRACE_SITE(handle, level, unit, {                                                          \
-        if (qorTraceSite.recordWanted() || qorTraceSite.lineWanted()) {                            \
-            qorTraceSite.both(__VA_ARGS__);                                                        \
-        }                                                                                          \
-    })
+    QOR_TRACE_SITE(handle, level, unit, qorTraceSite.both(__VA_ARGS__);)
 
 /// As `QOR_TRACE`, for a line and a record that are worded differently; the pieces of each stand in
 /// parentheses:
