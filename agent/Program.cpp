@@ -11,8 +11,11 @@
 #include "statefile/StateFile.h"
 #include "text/Utf8.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <memory>
+#include <new>
 
 namespace VpAgent {
 
@@ -95,22 +98,55 @@ int runSources(Options const& options, Agent& agent, Output& output) {
     }
 }
 
-/// Set while the program runs, for the end that an exception in the library makes of it.
-Output* outputToFlush = nullptr;
-
-[[noreturn]] void flushAndAbort() {
-    if (outputToFlush != nullptr) {
-        outputToFlush->flush();
+/// Names an exception that ends the program, also when there is no memory left to do so with.
+void writeReason(char const* reason) noexcept {
+    try {
+        std::string const line =
+            "vpagent: ended by an exception that nobody can handle (" + printable(reason) + ")\n";
+        std::fwrite(line.data(), 1, line.size(), stderr);
+    } catch (std::bad_alloc const&) {
+        std::fputs("vpagent: ended, because there is no memory left\n", stderr);
     }
-    std::abort();
 }
+
+/// The end that an exception makes of the program where nobody can catch it, as in a notification:
+/// what was reported before it is sent first.
+class Ending {
+public:
+    explicit Ending(Output& output) {
+        output_ = &output;
+        std::set_terminate(flushAndAbort);
+    }
+    ~Ending() { output_ = nullptr; }
+    Ending(Ending const&) = delete;
+    Ending& operator=(Ending const&) = delete;
+
+private:
+    [[noreturn]] static void flushAndAbort() {
+        if (output_ != nullptr) {
+            output_->flush();
+        }
+        try {
+            if (std::current_exception()) {
+                throw;
+            }
+            writeReason("of an unknown kind");
+        } catch (std::exception const& exception) {
+            writeReason(exception.what());
+        } catch (...) {
+            writeReason("of an unknown kind");
+        }
+        std::abort();
+    }
+
+    static inline Output* output_ = nullptr;
+};
 
 } // namespace
 
 int runProgram(Options const& options) {
     Output output;
-    outputToFlush = &output;
-    std::set_terminate(flushAndAbort);
+    Ending const ending(output);
 
     std::unique_ptr<Reporter> const reporter = makeReporter(options, output);
     int status = 0;
@@ -122,7 +158,6 @@ int runProgram(Options const& options) {
         agent.machine.stop();
     }
     output.flush();
-    outputToFlush = nullptr;
     return output.failed() ? failureStatus : status;
 }
 

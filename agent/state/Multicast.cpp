@@ -1,5 +1,6 @@
 #include "state/Multicast.h"
 
+#include "pelo/NoThrow.h"
 #include "qor/TypeData.h"
 
 namespace VpAgent {
@@ -68,28 +69,35 @@ void Multicast::higigChanged(Pelo::Publisher*, Pelo::Subscriber* subscriber, Pel
     auto& self = subscriber->owner<Multicast>();
     auto const fapId = *static_cast<Devbus::FapId const*>(key);
     auto const* const member = self.higig_->higigIntfs().lookupNode(fapId);
-    self.report(McastChange{NonUcastHigigIntfs::path(), field,
-                            fieldName(NonUcastHigigIntfs::typeTable(), field), fapId,
-                            valueOf(static_cast<Interface::IntfSet const*>(former)),
-                            valueOf(member == nullptr ? nullptr : &member->value())});
+    Pelo::runNoThrow([&] {
+        self.report(McastChange{NonUcastHigigIntfs::path(), field,
+                                fieldName(NonUcastHigigIntfs::typeTable(), field), fapId,
+                                valueOf(static_cast<Interface::IntfSet const*>(former)),
+                                valueOf(member == nullptr ? nullptr : &member->value())});
+    });
 }
 
 void Multicast::backplaneChanged(Pelo::Publisher*, Pelo::Subscriber* subscriber,
                                  Pelo::FieldId field, void const*, void const* former) noexcept {
     auto& self = subscriber->owner<Multicast>();
-    self.report(McastChange{BumAllowedBackplaneIntf::path(), field,
-                            fieldName(BumAllowedBackplaneIntf::typeTable(), field), std::nullopt,
-                            valueOf(static_cast<Interface::IntfSet const*>(former)),
-                            valueOf(&self.backplane_->intfs())});
+    Pelo::runNoThrow([&] {
+        self.report(McastChange{BumAllowedBackplaneIntf::path(), field,
+                                fieldName(BumAllowedBackplaneIntf::typeTable(), field),
+                                std::nullopt,
+                                valueOf(static_cast<Interface::IntfSet const*>(former)),
+                                valueOf(&self.backplane_->intfs())});
+    });
 }
 
 void Multicast::holderChanged(Pelo::Publisher*, Pelo::Subscriber* subscriber, Pelo::FieldId field,
                               void const*, void const* former) noexcept {
     auto& self = subscriber->owner<Multicast>();
-    self.report(McastChange{L3McastGroupApiHolder::sharedEntityName(), field,
-                            fieldName(L3McastGroupApiHolder::typeTable(), field), std::nullopt,
-                            valueOf(*static_cast<Pelo::Ptr<L3McastGroupApi> const*>(former)),
-                            valueOf(self.holder_->l3McastGroupApi())});
+    Pelo::runNoThrow([&] {
+        self.report(McastChange{L3McastGroupApiHolder::sharedEntityName(), field,
+                                fieldName(L3McastGroupApiHolder::typeTable(), field), std::nullopt,
+                                valueOf(*static_cast<Pelo::Ptr<L3McastGroupApi> const*>(former)),
+                                valueOf(self.holder_->l3McastGroupApi())});
+    });
 }
 
 void Multicast::report(McastEvent const& event) {

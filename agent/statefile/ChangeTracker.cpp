@@ -1,5 +1,7 @@
 #include "statefile/ChangeTracker.h"
 
+#include "pelo/NoThrow.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -51,7 +53,7 @@ void ChangeTracker::configListed(Pelo::Publisher*, Pelo::Subscriber* subscriber,
         TrackedClient& client = *found->second;
         client.needsRow = true;
         client.takenOut = client.takenOut || value == nullptr;
-        tracker.touch(client);
+        Pelo::runNoThrow([&] { tracker.touch(client); });
     }
 }
 
@@ -59,15 +61,20 @@ void ChangeTracker::statusListed(Pelo::Publisher*, Pelo::Subscriber* subscriber,
                                  void const* key, void const* value) noexcept {
     auto& tracker = subscriber->owner<ChangeTracker>();
     auto const& name = *static_cast<Pelo::String const*>(key);
-    auto const found = tracker.clients_.find(name);
-    if (found != tracker.clients_.end()) {
-        tracker.forget(*found->second);
+    Pelo::runNoThrow([&] { tracker.statusIs(name, value != nullptr); });
+}
+
+/// A status came into its directory, in the place of another one perhaps, or went out of it.
+void ChangeTracker::statusIs(Pelo::String const& name, bool present) {
+    auto const found = clients_.find(name);
+    if (found != clients_.end()) {
+        forget(*found->second);
     }
-    if (value != nullptr) {
-        ClientRow const row{tracker.nextClient_++, name, 0, 0};
-        TrackedClient& client = tracker.track(*tracker.database_.find(name), row);
+    if (present) {
+        ClientRow const row{nextClient_++, name, 0, 0};
+        TrackedClient& client = track(*database_.find(name), row);
         client.needsRow = true;
-        tracker.touch(client);
+        touch(client);
     }
 }
 

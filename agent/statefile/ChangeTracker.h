@@ -40,6 +40,7 @@ private:
     static void statusListed(Pelo::Publisher*, Pelo::Subscriber* subscriber, Pelo::FieldId,
                              void const* key, void const* value) noexcept;
 
+    void statusIs(Pelo::String const& name, bool present);
     TrackedClient& track(Client const& client, ClientRow const& row);
     void forget(TrackedClient& client);
     void touch(TrackedClient& client);

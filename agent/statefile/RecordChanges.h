@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pelo/NoThrow.h"
 #include "pelo/Publisher.h"
 #include "qor/HashMap2018.h"
 #include "statefile/Writer.h"
@@ -60,17 +61,20 @@ private:
     static void dispatch(Pelo::Publisher*, Pelo::Subscriber* subscriber, Pelo::FieldId field,
                          void const* key, void const* value) noexcept {
         auto& changes = subscriber->owner<RecordChanges>();
-        changes.first();
+        Pelo::runNoThrow([&] { changes.changed(field, key, value == nullptr); });
+    }
+
+    void changed(Pelo::FieldId field, void const* key, bool deleted) {
+        first();
         bool inCollection = false;
         VornicCentral::forEachKind([&](auto kind) {
             using Kind = decltype(kind);
             if (field == Kind::field) {
-                changes.template file<Kind>(*static_cast<typename Kind::Key const*>(key),
-                                            value == nullptr);
+                file<Kind>(*static_cast<typename Kind::Key const*>(key), deleted);
                 inCollection = true;
             }
         });
-        changes.attributesChanged_ = changes.attributesChanged_ || !inCollection;
+        attributesChanged_ = attributesChanged_ || !inCollection;
     }
 
     template <class Kind> void file(typename Kind::Key const& key, bool deleted) {

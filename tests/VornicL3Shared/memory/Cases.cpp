@@ -42,7 +42,6 @@ void requestsOfAllKinds(World& world) {
     twoClients(world);
     forEachKind([&](auto kind) { request<decltype(kind)>(world); });
     world.request("mlag", numbered<EdgeVport>(1));
-    world.request("mlag", numbered<VlanVport>(2));
 }
 
 void full(World& world) {
