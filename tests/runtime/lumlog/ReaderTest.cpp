@@ -246,6 +246,38 @@ TEST_F(ReaderTest, ForgedSizesDoNotLeadOutsideTheBytes) {
     }
 }
 
+/// Sizes and offsets that no ring has, in a header that agrees with itself and has the right check.
+TEST_F(ReaderTest, ForgedSizesThatFitTogetherAreNoRing) {
+    auto const found = [this](U64 RingHeader::*field, U64 value) {
+        Dump dump(ring_.bytes());
+        RingHeader header = Layout(dump.bytes()).header;
+        header.*field = value;
+        header.recordOffset = header.descriptorOffset + header.descriptorSize;
+        header.blockSize = header.recordOffset + header.recordSize + header.maxRecordSize;
+        header.check = Pelo::hashBytes(&header, fixedPartSize);
+        put(dump.bytes(), 0, header);
+        return Reader(dump.bytes()).found();
+    };
+    EXPECT_TRUE(found(&RingHeader::maxRecordSize, 512));
+    EXPECT_FALSE(found(&RingHeader::maxRecordSize, RingBuffer::minSize + 8));
+    EXPECT_FALSE(found(&RingHeader::recordSize, RingBuffer::minSize + 8));
+    EXPECT_FALSE(found(&RingHeader::recordSize, RingBuffer::minSize / 2));
+    EXPECT_FALSE(found(&RingHeader::recordSize, RingBuffer::maxSize * 2));
+    EXPECT_FALSE(found(&RingHeader::descriptorOffset, sizeof(RingHeader) + 8));
+    EXPECT_FALSE(found(&RingHeader::descriptorSize, RingBuffer::maxSize + 8));
+}
+
+TEST_F(ReaderTest, RingOfAnotherVersionIsNone) {
+    for (std::size_t const field :
+         {offsetof(RingHeader, version), offsetof(RingHeader, byteOrder)}) {
+        Dump dump(ring_.bytes());
+        put(dump.bytes(), field, U32{2});
+        put(dump.bytes(), offsetof(RingHeader, check),
+            Pelo::hashBytes(dump.bytes().data(), fixedPartSize));
+        EXPECT_FALSE(Reader(dump.bytes()).found()) << field;
+    }
+}
+
 TEST_F(ReaderTest, LeavesOutWhatIsOverwrittenWhileItReads) {
     Reader reader(ring_.bytes());
     EXPECT_EQ(reader.next(), original_[0]);

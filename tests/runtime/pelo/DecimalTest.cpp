@@ -36,10 +36,11 @@ TEST(Decimal, RefusesTheFirstDigitThatMakesItTooLarge) {
 }
 
 TEST(Decimal, RefusesEverythingButDigits) {
-    for (std::string_view const text : {"", "-1", "+1", " 1", "x", "\t"}) {
+    for (std::string_view const text : {"", "-1", "+1", " 1", "x", "\t", "/", ":"}) {
         EXPECT_EQ(outcome(text, 9999), "at 0: expected a number from 0 to 9999") << text;
     }
-    for (std::string_view const text : {"1 ", "1x2", "1.0", "1e3", "0x10", "1-", "1,000"}) {
+    for (std::string_view const text :
+         {"1 ", "1x2", "1.0", "1e3", "0x10", "1-", "1,000", "1/", "1:"}) {
         EXPECT_EQ(outcome(text, 9999), "at 1: expected a number from 0 to 9999") << text;
     }
     EXPECT_EQ(outcome(std::string_view("12\0", 3), 9999), "at 2: expected a number from 0 to 9999");

@@ -28,6 +28,7 @@ TEST(TraceHandle, LevelIsBitOfTheMask) {
         EXPECT_EQ(handle.isOn(level), level == 1 || level == 5 || level == 7) << level;
     }
     handle.levelIs(5, false);
+    handle.levelIs(5, false);
     handle.levelIs(63, true);
     handle.levelIs(63, true);
     EXPECT_EQ(handle.levelsMask(), 0x8000000000000082u);
