@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <limits>
+#include <vector>
 
 namespace Bask {
 namespace {
@@ -227,6 +229,35 @@ TEST(Bitmap, RangeBetweenTheEndsMayHaveNoClearBit) {
     EXPECT_EQ(highest(*bitmap, 15001), null);
 }
 
+/// Sets the clear bits of an otherwise full bitmap from either end: the next one is found by
+/// levels.
+void expectEndsToMoveOver(Bitmap& bitmap, std::vector<U32> const& clear) {
+    for (U32 const index : clear) {
+        bitmap.clearBit(index);
+    }
+    for (std::size_t at = 0; at + 1 < clear.size(); ++at) {
+        bitmap.setBit(clear[at]);
+        EXPECT_EQ(lowest(bitmap), clear[at + 1]);
+    }
+    for (U32 const index : clear) {
+        bitmap.clearBit(index);
+    }
+    for (std::size_t at = clear.size() - 1; at > 0; --at) {
+        EXPECT_EQ(highest(bitmap, 0, clear[at] - 1), clear[at - 1]);
+        bitmap.setBit(clear[at]);
+        EXPECT_EQ(highest(bitmap), clear[at - 1]);
+    }
+    bitmap.setBit(clear[0]);
+    EXPECT_EQ(lowest(bitmap), null);
+}
+
+TEST(Bitmap, EndsMoveOverWhatIsSetThroughFiveLevels) {
+    constexpr U32 size = 20'000'000;
+    auto const bitmap = makeBitmap(size, BitState::set);
+    expectEndsToMoveOver(*bitmap,
+                         {0, 1, 262143, 262144, 5'000'000, 16'777'215, 16'777'216, size - 1});
+}
+
 TEST(Bitmap, LargestSizeIsValid) {
     constexpr U32 size = std::numeric_limits<U32>::max();
     auto const bitmap = makeBitmap(size, BitState::set);
@@ -240,6 +271,7 @@ TEST(Bitmap, LargestSizeIsValid) {
         EXPECT_EQ(lowest(*bitmap, index / 2, noBound), index);
         bitmap->setBit(index);
     }
+    expectEndsToMoveOver(*bitmap, {0, 5'000'000, 1u << 30, (1u << 30) + 1, 3u << 30, size - 1});
     EXPECT_FALSE(bitmap->isBitSet(size));
 }
 
