@@ -79,8 +79,8 @@ VpIndexAllocatorDirSm::vpIndexAllocatorIs(VpIndexAllocatorDirSm* vpIndexAllocato
                          vpReference.get(), vfiForwarding);
         return existing;
     }
-    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(
-        this); // a subscriber of the records may drop the last pointer
+    // A subscriber of the records may drop the last pointer.
+    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(this);
     Pelo::Ptr<VpIndexAllocator> created;
     handlerTurns_.run([&] { // its sweep is one turn: it is listed before the next change is handled
         created = VpIndexAllocator::VpIndexAllocatorIs(vpIndexAllocatorDirSm, vpIndexConfig,
