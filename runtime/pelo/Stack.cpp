@@ -20,9 +20,7 @@ bool Stack::isBelow(std::uintptr_t const& mark) noexcept {
     if (mark == unknown) {
         measure();
     }
-    char here[1];
-    auto const place = reinterpret_cast<std::uintptr_t>(here);
-    return place < mark && place >= end_;
+    return place() < mark && place() >= end_;
 }
 
 void Stack::measure() noexcept {

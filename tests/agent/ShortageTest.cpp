@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <fstream>
@@ -70,6 +71,7 @@ protected:
         for (char const* const end : {"", "-wal", "-shm", "-journal"}) {
             std::filesystem::remove(*options_.stateFile + end);
         }
+        std::fflush(nullptr); // or the copy prints once more what is not printed yet
         pid_t const child = ::fork();
         if (child == 0) {
             runHere(failing, shortage);

@@ -168,12 +168,19 @@ INSTANTIATE_TEST_SUITE_P(Kinds, DiskFault,
                                     (std::get<1>(each.param) == Lasting::once ? "Once" : "ForEver");
                          });
 
+/// Of the operations of a commit with a long log, of which there are a thousand, every so many
+/// fail.
+unsigned longLogStep() {
+    char const* const chosen = std::getenv("VORNIC_DISK_STEP");
+    return chosen == nullptr ? 211u : static_cast<unsigned>(std::stoul(chosen));
+}
+
 /// A run of which the log has grown so long that the next commit brings it into the file: at any
 /// operation of that commit, the disk fails.
 TEST_P(DiskFault, WhileALongLogIsBroughtIntoTheFileLosesNothingThatWasAcknowledged) {
     auto const& [trouble, lasting] = GetParam();
     unsigned at = 0;
-    for (bool met = true; met; at += at < 24 ? 1u : 83u) {
+    for (bool met = true; met; at += at < 8 ? 1u : longLogStep()) {
         SCOPED_TRACE(at);
         TemporaryFolder const folder;
         auto const path = folder.path() / "state";
