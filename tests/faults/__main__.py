@@ -62,7 +62,7 @@ def main(arguments):
     options = parse(arguments)
     try:
         faults = [fault for fault in catalogue.read(scratch.HERE)
-                  if re.search(options.pattern, fault.name) or options.pattern == fault.area]
+                  if re.search(options.pattern, fault.name) or re.fullmatch(options.pattern, fault.area)]
         if not faults:
             raise catalogue.Malformed(f"no fault matches {options.pattern}")
         if options.list:
