@@ -101,7 +101,7 @@ Found Found::valueAt(GenericValue const& value, Step const& step, Word const& wo
         found.value_ = value;
         return found;
     }
-    Found const found = entity(value, constant_);
+    Found found = entity(value, constant_);
     if (found.node() == nullptr) {
         throw Refusal(inQuotes(step.text) + " is a null pointer, expected a " +
                           value.type()->name() + " that points to an entity",

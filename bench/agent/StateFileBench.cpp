@@ -29,7 +29,7 @@ public:
 
 /// A folder beside the running program, so that the file is on the disk that is built on.
 std::filesystem::path freshFolder() {
-    auto const folder = std::filesystem::current_path() / "bench-state";
+    auto folder = std::filesystem::current_path() / "bench-state";
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder);
     return folder;

@@ -26,7 +26,7 @@ class KeptAgent {
 public:
     /// Throws `Refusal` when the file is refused.
     explicit KeptAgent(std::filesystem::path const& path)
-        : agent(reporter, {}), file(VpAgent::StateFile::open(path, agent.database)) {}
+        : agent(reporter_, {}), file(VpAgent::StateFile::open(path, agent.database)) {}
 
     VpAgent::Database& database() { return agent.database; }
     void commit() { file->commit(); }
@@ -35,7 +35,7 @@ public:
     std::string content() const;
 
 private:
-    QuietReporter reporter;
+    QuietReporter reporter_;
 
 public:
     VpAgent::Agent agent;

@@ -27,11 +27,11 @@ protected:
         watch("waiting", *this->world.waiting, text<bool>);
         this->world.settings = settings;
         this->world.start();
-        events.clear();
+        events_.clear();
     }
 
     /// What has been written since the last call, in texts with the holes of `filled`.
-    Lines written() { return std::exchange(events, {}); }
+    Lines written() { return std::exchange(events_, {}); }
     Lines expected(Lines lines) const {
         for (auto& line : lines) {
             line = this->filled(line);
@@ -55,10 +55,10 @@ private:
 
     void watch(std::string const& record, Qor::Entity const& entity, ValueText valueText) {
         auto const note = [this, record, valueText](Notification const& notification) {
-            events.push_back(record + " " + change(notification, valueText) + ", pool " +
-                             this->world.pool());
+            events_.push_back(record + " " + change(notification, valueText) + ", pool " +
+                              this->world.pool());
         };
-        listeners.push_back(std::make_unique<Test::Listener>(entity, note));
+        listeners_.push_back(std::make_unique<Test::Listener>(entity, note));
     }
     static std::string change(Notification const& notification, ValueText valueText) {
         static std::map<Pelo::FieldId, std::string> const counters{
@@ -73,8 +73,8 @@ private:
                (notification.value == nullptr ? " gone" : valueText(notification.value));
     }
 
-    Lines events;
-    std::vector<std::unique_ptr<Test::Listener>> listeners;
+    Lines events_;
+    std::vector<std::unique_ptr<Test::Listener>> listeners_;
 };
 TYPED_TEST_SUITE(WriteOrder, Test::AllKinds, Test::KindNames);
 

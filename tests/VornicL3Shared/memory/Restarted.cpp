@@ -58,7 +58,7 @@ template <class Visit> void forEachReference(Test::World const& world, Visit vis
                  world.references->collection<Kind>());
              it; it.advance()) {
             typename Kind::Key const key(it.key());
-            VpReference const reference = it.value();
+            VpReference const reference = it.value(); // NOLINT: see above
             visit(kind, key, reference);
         }
     });

@@ -40,8 +40,8 @@ protected:
 TYPED_TEST_SUITE(MapWithoutMemory, Support::KeyTypes, Support::KeyNames);
 
 TYPED_TEST(MapWithoutMemory, InsertsWithHolesAndUnderAWalkOrChangesNothing) {
-    using Map = typename TestFixture::Map;
-    Map map;
+    using Tried = typename TestFixture::Map;
+    Tried map;
     std::string const text(100, 'x'); // so that a value takes memory of its own
     U32 failures = 0;
     for (U32 number = 0; number < 60; ++number) {
@@ -51,7 +51,7 @@ TYPED_TEST(MapWithoutMemory, InsertsWithHolesAndUnderAWalkOrChangesNothing) {
         auto const before = TestFixture::contentOf(map);
         auto const key = Support::keyOf<TypeParam>(number);
         std::string const value = text + std::to_string(number);
-        typename Map::Iterator walk(map);
+        typename Tried::Iterator walk(map);
         auto const* const member = walk.currNodeMaybeStale();
         failures += failEachAllocation([&] { map.memberIs(key, value); },
                                        [&] {
@@ -64,8 +64,8 @@ TYPED_TEST(MapWithoutMemory, InsertsWithHolesAndUnderAWalkOrChangesNothing) {
 }
 
 TYPED_TEST(MapWithoutMemory, ReplacesAValueOrKeepsIt) {
-    using Map = typename TestFixture::Map;
-    Map map;
+    using Tried = typename TestFixture::Map;
+    Tried map;
     auto const key = Support::keyOf<TypeParam>(1);
     std::string const former(100, 'a');
     std::string const latter(100, 'b');
@@ -78,23 +78,23 @@ TYPED_TEST(MapWithoutMemory, ReplacesAValueOrKeepsIt) {
 }
 
 TYPED_TEST(MapWithoutMemory, IsMadeWithRoomOrNotAtAll) {
-    using Map = typename TestFixture::Map;
+    using Tried = typename TestFixture::Map;
     Support::CountedAllocations const counted;
     U32 const failures =
-        failEachAllocation([] { Map const map(100); }, [&] { EXPECT_EQ(counted.live(), 0); });
+        failEachAllocation([] { Tried const map(100); }, [&] { EXPECT_EQ(counted.live(), 0); });
     EXPECT_EQ(failures, 1u);
 }
 
 TYPED_TEST(MapWithoutMemory, GivesUpItsMembersOneByOneAndAllAtOnce) {
-    using Map = typename TestFixture::Map;
+    using Tried = typename TestFixture::Map;
     Support::CountedAllocations const counted;
     {
-        Map map;
+        Tried map;
         for (U32 number = 0; number < 100; ++number) {
             map.newMember(Support::keyOf<TypeParam>(number), "v");
         }
         FailingAllocations const none(0);
-        for (typename Map::Iterator it(map); it && map.memberCount() > 50; it.advance()) {
+        for (typename Tried::Iterator it(map); it && map.memberCount() > 50; it.advance()) {
             map.deleteMember(TypeParam(it.key()));
         }
         EXPECT_EQ(map.memberCount(), 50u);
