@@ -74,7 +74,7 @@ VpIndexAllocatorDirSm::vpIndexAllocatorIs(VpIndexAllocatorDirSm* vpIndexAllocato
     if (!vpIndexConfig) {
         Qor::throwMutatorArgNullPointerException("vpIndexAllocatorIs", "vpIndexConfig");
     }
-    if (auto const existing = vpIndexAllocator(vpIndexConfig->name())) {
+    if (auto existing = vpIndexAllocator(vpIndexConfig->name())) {
         compareArguments(*existing, vpIndexAllocatorDirSm, vpIndexConfig.get(), vpIndexStatus.get(),
                          vpReference.get(), vfiForwarding);
         return existing;
@@ -103,8 +103,8 @@ void VpIndexAllocatorDirSm::vpIndexConfigDirDispatch(Pelo::Publisher*, Pelo::Sub
     if (field != VpIndexConfigDir::entriesField || self.isZombie()) {
         return;
     }
-    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(
-        &self); // a subscriber of the records may drop the last pointer
+    // A subscriber of the records may drop the last pointer.
+    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(&self);
     Pelo::runNoThrow([&] { self.reactToConfig(*static_cast<Pelo::String const*>(key)); });
 }
 

@@ -76,8 +76,8 @@ void VpIndexAllocatorDirSm::vpReferenceDispatch(Pelo::Publisher*, Pelo::Subscrib
     if (self.isZombie()) {
         return;
     }
-    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(
-        &self); // a subscriber of the waiting keys may drop the last pointer
+    // A subscriber of the waiting keys may drop the last pointer.
+    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(&self);
     Pelo::runNoThrow([&] {
         forEachKind([&](auto kind) {
             using Kind = decltype(kind);

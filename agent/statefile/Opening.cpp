@@ -84,7 +84,7 @@ fs::path checkedPath(fs::path const& path) {
     if (fs::exists(status) && !fs::is_regular_file(status)) {
         throw Refusal("it is not a regular file, expected one, or none yet");
     }
-    fs::path const resolved = fs::absolute(fs::weakly_canonical(path));
+    fs::path resolved = fs::absolute(fs::weakly_canonical(path));
     if (fs::exists(status) && !isAllowed(resolved, R_OK | W_OK)) {
         throw Refusal(std::string("it may not be read and written (") + std::strerror(errno) +
                       "), expected a file that may");

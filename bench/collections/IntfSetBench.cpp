@@ -14,6 +14,7 @@ using Interface::IntfSet;
 
 std::vector<Netzo::IntfId> interfaces(int count) {
     std::vector<Netzo::IntfId> all;
+    all.reserve(static_cast<std::size_t>(count));
     for (int at = 0; at < count; ++at) {
         all.emplace_back("Ethernet" + std::to_string(at * 37 % 64 + 1));
     }

@@ -22,8 +22,8 @@ namespace Pelo {
 namespace {
 
 constexpr std::size_t granule = 16; // bytes; every piece is a multiple of it and aligned to it
-constexpr std::size_t largestPiece = 4096;     // bytes
-constexpr std::size_t blockSize = 64u * 1024u; // bytes
+constexpr std::size_t largestPiece = 4096; // bytes
+constexpr std::size_t blockSize = 65536;   // bytes
 
 /// What a block begins with; its pieces follow.
 struct alignas(granule) BlockHead {
