@@ -13,8 +13,10 @@ set(VORNIC_CMAKE_DIR ${CMAKE_CURRENT_LIST_DIR})
 # Flags that only building this project needs. Neither target is exported.
 add_library(vornic_warnings INTERFACE)
 target_compile_options(vornic_warnings INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
-    -Wnon-virtual-dtor -Woverloaded-virtual
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
+    -Woverloaded-virtual
+    # Where several sources are one unit, a name may be that of another file's constant.
+    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>>:-Wshadow>
     # C++20 lets a variadic macro be called without the variadic part; Clang 14 warns regardless.
     $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
     # GCC 12 takes the concatenation of strings for overlapping copies when it optimises (its bug

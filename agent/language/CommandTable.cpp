@@ -17,13 +17,13 @@ constexpr Argument maybeName{ArgumentType::client, Count::optional};
 constexpr Argument names{ArgumentType::client, Count::any};
 constexpr Argument vport{ArgumentType::vport, Count::one};
 constexpr Argument index{ArgumentType::index, Count::one};
-constexpr Argument settings{ArgumentType::setting, Count::any};
+constexpr Argument anySettings{ArgumentType::setting, Count::any};
 constexpr Argument operation{ArgumentType::operation, Count::one};
 constexpr Argument called{ArgumentType::called, Count::one};
 constexpr Argument maybeInspected{ArgumentType::inspected, Count::optional};
 constexpr Argument values{ArgumentType::value, Count::any};
 constexpr Argument file{ArgumentType::file, Count::one};
-constexpr Argument ringOptions{ArgumentType::option, Count::any};
+constexpr Argument anyRingOptions{ArgumentType::option, Count::any};
 constexpr Argument messages{ArgumentType::message, Count::some};
 constexpr Argument maybeView{ArgumentType::view, Count::optional};
 constexpr Argument fap{ArgumentType::fap, Count::one};
@@ -100,11 +100,11 @@ constexpr Command table[] = {
      {file, maybeName},
      "requests what a network's own JSON file says",
      Handlers::import},
-    {"start", "", {settings}, "creates the state machine", Handlers::start},
+    {"start", "", {anySettings}, "creates the state machine", Handlers::start},
     {"stop", "", {}, "destroys the state machine; the records stay", Handlers::stop},
     {"restart",
      "",
-     {settings},
+     {anySettings},
      "stops and starts, with the last settings but those given",
      Handlers::restart},
     {"call",
@@ -165,7 +165,7 @@ constexpr Command table[] = {
     {"dump", "", {}, "prints the whole state as one JSON object", Handlers::dump},
     {"show",
      "ring",
-     {ringOptions},
+     {anyRingOptions},
      "shows the records of the ring buffer, or writes them as a trace",
      Handlers::showRing},
     {"show", "", {maybeView, maybeName}, "shows the state, or one view of it", Handlers::show},

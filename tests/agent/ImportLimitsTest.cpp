@@ -16,7 +16,7 @@ using testing::HasSubstr;
 
 /// What the tree of the largest file needs.
 constexpr long treeMemory = memoryIsPadded() ? 1000 : 600;
-constexpr long littleMemory = memoryIsPadded() ? 400 : 80;
+constexpr long littleForImports = memoryIsPadded() ? 400 : 80;
 
 class ImportLimits : public testing::Test {
 protected:
@@ -29,7 +29,7 @@ protected:
 
     /// The file is refused, with these words, before it took much of anything.
     void expectRefused(std::string const& file, std::string const& words,
-                       long most = littleMemory) const {
+                       long most = littleForImports) const {
         Measured const run = imported(file);
         EXPECT_EQ(run.outcome.status, 2);
         EXPECT_THAT(run.outcome.err, HasSubstr(words));
@@ -40,7 +40,7 @@ protected:
 
     /// The file of these contents is refused.
     void expectTextRefused(std::string const& text, std::string const& words,
-                           long most = littleMemory) const {
+                           long most = littleForImports) const {
         expectRefused(folder_.write("a.json", text), words, most);
     }
 

@@ -32,9 +32,9 @@ public:
     std::string refusals;
 };
 
-class Lines final : public VpAgent::LineSource {
+class GivenLines final : public VpAgent::LineSource {
 public:
-    explicit Lines(std::vector<std::string> lines) : lines_(std::move(lines)) {}
+    explicit GivenLines(std::vector<std::string> lines) : lines_(std::move(lines)) {}
 
     bool next(VpAgent::CommandLine& line) override {
         if (at_ == lines_.size()) {
@@ -58,8 +58,8 @@ TEST(Session, ACommandThatBreaksOffEndsTheRunAndLeavesNothingInTheStateFile) {
         VpAgent::Agent agent(reporter, {});
         auto const file = VpAgent::StateFile::open(path, agent.database);
         VpAgent::Session session(agent, true, file.get());
-        Lines lines({"client add a", "nonsense", "begin", "client add b", "client add broken",
-                     "client add c", "commit"});
+        GivenLines lines({"client add a", "nonsense", "begin", "client add b", "client add broken",
+                          "client add c", "commit"});
         EXPECT_FALSE(session.run(lines));
         EXPECT_EQ(session.exitStatus(), 2);
         EXPECT_EQ(reporter.refusals.substr(reporter.refusals.find('\n') + 1),

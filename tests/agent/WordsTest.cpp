@@ -20,7 +20,7 @@ std::vector<std::string> wordsOf(std::string_view line) {
 }
 
 /// The message and the place of the refusal of a line.
-std::tuple<std::string, std::size_t, std::size_t> refusalOf(std::string_view line) {
+std::tuple<std::string, std::size_t, std::size_t> placeOfRefusal(std::string_view line) {
     try {
         wordsOf(line);
     } catch (Refusal const& refusal) {
@@ -73,48 +73,49 @@ TEST(Words, MayBeAnyUtf8) {
 
 TEST(Words, AreRefusedWithTheirPlace) {
     EXPECT_EQ(
-        refusalOf("echo \"abc"),
+        placeOfRefusal("echo \"abc"),
         (At{"the quote is not closed, expected another \" before the end of the line", 5, 4}));
-    EXPECT_EQ(refusalOf("echo a\"b"),
+    EXPECT_EQ(placeOfRefusal("echo a\"b"),
               (At{"a quote inside a word, expected a blank before the quote", 6, 1}));
-    EXPECT_EQ(refusalOf("echo \"a\"b"),
+    EXPECT_EQ(placeOfRefusal("echo \"a\"b"),
               (At{"text behind a closing quote, expected a blank", 8, 1}));
-    EXPECT_EQ(refusalOf(R"(echo "a\n")"),
+    EXPECT_EQ(placeOfRefusal(R"(echo "a\n")"),
               (At{R"(a backslash in quotes, expected \" or \\)", 7, 1}));
-    EXPECT_EQ(refusalOf("echo \"a\\"), (At{R"(a backslash in quotes, expected \" or \\)", 7, 1}));
+    EXPECT_EQ(placeOfRefusal("echo \"a\\"),
+              (At{R"(a backslash in quotes, expected \" or \\)", 7, 1}));
 }
 
 TEST(Words, HoldNoControlCharacters) {
-    EXPECT_EQ(refusalOf("echo a\x1b[2J"),
+    EXPECT_EQ(placeOfRefusal("echo a\x1b[2J"),
               (At{"a control character (0x1B), expected printable text", 6, 1}));
-    EXPECT_EQ(refusalOf("dump\r"),
+    EXPECT_EQ(placeOfRefusal("dump\r"),
               (At{"a control character (0x0D), expected printable text", 4, 1}));
-    EXPECT_EQ(refusalOf("echo \"\x7f\""),
+    EXPECT_EQ(placeOfRefusal("echo \"\x7f\""),
               (At{"a control character (0x7F), expected printable text", 6, 1}));
-    EXPECT_EQ(refusalOf(std::string_view("echo a\0b", 8)),
+    EXPECT_EQ(placeOfRefusal(std::string_view("echo a\0b", 8)),
               (At{"a control character (0x00), expected printable text", 6, 1}));
     // U+009B acts as an escape on some terminals.
-    EXPECT_EQ(refusalOf("echo \xC2\x9B"),
+    EXPECT_EQ(placeOfRefusal("echo \xC2\x9B"),
               (At{"a control character (0xC2), expected printable text", 5, 1}));
 }
 
 TEST(Words, HoldNoBytesThatAreNotUtf8) {
     std::string const message = "a byte that is not UTF-8 (0xC3), expected printable text";
-    EXPECT_EQ(refusalOf("echo \xC3"), (At{message, 5, 1}));
-    EXPECT_EQ(refusalOf("echo \xC3 b"), (At{message, 5, 1}));
-    EXPECT_EQ(refusalOf("echo \"\xC3\""), (At{message, 6, 1}));
-    EXPECT_EQ(std::get<0>(refusalOf("\xC0\xAF")),
+    EXPECT_EQ(placeOfRefusal("echo \xC3"), (At{message, 5, 1}));
+    EXPECT_EQ(placeOfRefusal("echo \xC3 b"), (At{message, 5, 1}));
+    EXPECT_EQ(placeOfRefusal("echo \"\xC3\""), (At{message, 6, 1}));
+    EXPECT_EQ(std::get<0>(placeOfRefusal("\xC0\xAF")),
               "a byte that is not UTF-8 (0xC0), expected printable text");
-    EXPECT_EQ(std::get<0>(refusalOf("\xED\xA0\x80")),
+    EXPECT_EQ(std::get<0>(placeOfRefusal("\xED\xA0\x80")),
               "a byte that is not UTF-8 (0xED), expected printable text");
-    EXPECT_EQ(std::get<0>(refusalOf("\xF4\x90\x80\x80")),
+    EXPECT_EQ(std::get<0>(placeOfRefusal("\xF4\x90\x80\x80")),
               "a byte that is not UTF-8 (0xF4), expected printable text");
 }
 
 /// What comes of a word with this byte in its middle.
 std::string outcomeOf(std::string const& before, unsigned char byte) {
     std::string const line = before + static_cast<char>(byte) + "b";
-    auto const [message, at, length] = refusalOf(line);
+    auto const [message, at, length] = placeOfRefusal(line);
     if (message != "not refused") {
         EXPECT_EQ(at, before.size());
         EXPECT_EQ(length, 1u);

@@ -37,7 +37,7 @@ class Parent(Test):
         shutil.copytree(HERE / "parent", project)
         disabled = (f"-DCMAKE_DISABLE_FIND_PACKAGE_{name}=ON" for name in PACKAGES)
         run(*configure_command(project, self.build, "--fresh", "-DCMAKE_CXX_FLAGS=-O0",
-                               *disabled, *options))
+                               "-DCMAKE_UNITY_BUILD=ON", *disabled, *options))
 
     def install(self):
         """Installs the parent anew; gives the prefix."""

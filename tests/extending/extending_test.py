@@ -82,6 +82,7 @@ def build(tree, target, compiler):
         "CMAKE_BUILD_TYPE": "Debug",
         "CMAKE_CXX_COMPILER": compiler,
         "CMAKE_CXX_FLAGS_DEBUG": "-O0",
+        "CMAKE_UNITY_BUILD": "ON",
         "VORNIC_BUILD_AGENT": "ON",
         "VORNIC_BUILD_EXAMPLES": "OFF",
         "VORNIC_BUILD_TESTS": "OFF",

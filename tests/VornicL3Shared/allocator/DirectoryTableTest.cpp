@@ -19,7 +19,7 @@ using Test::ConfigDirectory;
 using Test::Listener;
 using Test::StatusDirectory;
 
-struct SideName {
+struct TableSideName {
     template <class Side> static std::string GetName(int) { return Side::name; }
 };
 
@@ -38,7 +38,7 @@ protected:
     GenericValue const mlag = GenericValue::of("mlag");
 };
 using Sides = testing::Types<ConfigDirectory, StatusDirectory>;
-TYPED_TEST_SUITE(DirectoryTable, Sides, SideName);
+TYPED_TEST_SUITE(DirectoryTable, Sides, TableSideName);
 
 TYPED_TEST(DirectoryTable, ReadsItsName) {
     EXPECT_EQ(Qor::inspectOperation(*this->dir, 130, OpCode::get).template as<Pelo::String>(),

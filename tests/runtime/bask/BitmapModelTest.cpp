@@ -15,7 +15,7 @@ namespace {
 
 using BitState = HBitmap::BitState;
 
-constexpr U32 noBound = std::numeric_limits<U32>::max();
+constexpr U32 unbounded = std::numeric_limits<U32>::max();
 
 /// The slow and obvious bitmap: the set of the bits that are clear.
 class ModelBitmap {
@@ -89,10 +89,10 @@ TEST_P(BitmapAgainstModel, AgreesAfterEveryRandomStep) {
             set ? bitmap_->setBit(index) : bitmap_->clearBit(index);
             set ? model_.setBit(index) : model_.clearBit(index);
         }
-        ASSERT_NO_FATAL_FAILURE(compare(first, noBound));
+        ASSERT_NO_FATAL_FAILURE(compare(first, unbounded));
         ASSERT_NO_FATAL_FAILURE(compare(0, place()));
         ASSERT_NO_FATAL_FAILURE(compare(place(), place()));
-        ASSERT_NO_FATAL_FAILURE(compare(0, noBound));
+        ASSERT_NO_FATAL_FAILURE(compare(0, unbounded));
     }
     for (U32 index = 0; index < size_; ++index) {
         ASSERT_EQ(bitmap_->isBitSet(index), model_.isBitSet(index)) << index;

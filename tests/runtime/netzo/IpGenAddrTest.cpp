@@ -15,7 +15,7 @@ namespace {
 using Netzo::Ip6Addr;
 using Netzo::IpGenAddr;
 
-std::string outcome(std::string_view text) { return Support::parseOutcome<IpGenAddr>(text); }
+std::string genOutcome(std::string_view text) { return Support::parseOutcome<IpGenAddr>(text); }
 
 TEST(IpGenAddr, DefaultIsTheIp4AddressOfZeros) {
     EXPECT_EQ(IpGenAddr().family(), IpGenAddr::Family::ip4);
@@ -72,9 +72,10 @@ TEST(IpGenAddr, RefusesWhatIsNoAddressAtTheByteThatDoesNotFit) {
         {"fe80::1%eth0", "at 7: expected ':'"},
     };
     for (auto const& [text, expected] : cases) {
-        EXPECT_EQ(outcome(text), expected) << text;
+        EXPECT_EQ(genOutcome(text), expected) << text;
     }
-    EXPECT_EQ(outcome(std::string_view("10.0.0.2\0", 9)), "at 8: expected the end of the address");
+    EXPECT_EQ(genOutcome(std::string_view("10.0.0.2\0", 9)),
+              "at 8: expected the end of the address");
 }
 
 bool takenByLibrary(std::string const& text) {
@@ -125,7 +126,7 @@ TEST(IpGenAddr, ReadsWhatItPrints) {
         char buffer[INET_ADDRSTRLEN];
         inet_ntop(AF_INET, address.bits().bytes().data(), buffer, sizeof buffer);
         ASSERT_EQ(address.stringValue(), buffer);
-        ASSERT_EQ(outcome(buffer), buffer);
+        ASSERT_EQ(genOutcome(buffer), buffer);
         ASSERT_EQ(*IpGenAddr::parse(buffer), address);
     }
 }

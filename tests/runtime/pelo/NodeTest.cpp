@@ -19,10 +19,10 @@ using Pelo::Node;
 using Pelo::NodeFlag;
 
 /// A node that says when it is destroyed.
-class Lamp : public Node {
+class CountedLamp : public Node {
 public:
-    explicit Lamp(int& destroyed) : destroyed_(destroyed) {}
-    ~Lamp() override { ++destroyed_; }
+    explicit CountedLamp(int& destroyed) : destroyed_(destroyed) {}
+    ~CountedLamp() override { ++destroyed_; }
 
 private:
     int& destroyed_;
@@ -30,7 +30,7 @@ private:
 
 TEST(Node, StartsWithOneUse) {
     int destroyed = 0;
-    auto* const lamp = new Lamp(destroyed);
+    auto* const lamp = new CountedLamp(destroyed);
     EXPECT_EQ(lamp->useCount(), 1u);
     lamp->decUseImpl();
     EXPECT_EQ(destroyed, 1);
@@ -38,7 +38,7 @@ TEST(Node, StartsWithOneUse) {
 
 TEST(Node, LivesAsLongAsItHasAUse) {
     int destroyed = 0;
-    auto* const lamp = new Lamp(destroyed);
+    auto* const lamp = new CountedLamp(destroyed);
     lamp->incUse();
     lamp->incUse();
     EXPECT_EQ(lamp->useCount(), 3u);
@@ -52,7 +52,7 @@ TEST(Node, LivesAsLongAsItHasAUse) {
 
 TEST(Node, IsDestroyedAsWhatItIsThroughAPointerToItsBase) {
     int destroyed = 0;
-    Node const* const node = new Lamp(destroyed);
+    Node const* const node = new CountedLamp(destroyed);
     node->decUseImpl();
     EXPECT_EQ(destroyed, 1);
 }
@@ -98,7 +98,7 @@ TEST(Node, FlagsAreClearAtFirstAndSetOneByOne) {
 
 TEST(Node, PublishesNothingAndDescribesNothingUnlessItsTypeDoes) {
     int destroyed = 0;
-    Lamp const lamp(destroyed);
+    CountedLamp const lamp(destroyed);
     EXPECT_EQ(lamp.publisher(), nullptr);
     EXPECT_EQ(lamp.typeData(), nullptr);
 }
@@ -126,7 +126,7 @@ TEST(Node, VirtualFunctionsHaveTheSlotsThatOthersCallThemBy) {
 
 TEST(Node, UsesTakenAndGivenBackByManyThreadsAreAllCounted) {
     int destroyed = 0;
-    auto* const lamp = new Lamp(destroyed);
+    auto* const lamp = new CountedLamp(destroyed);
     {
         Support::MultiThreaded const on;
         std::vector<std::thread> threads;

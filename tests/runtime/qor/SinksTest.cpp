@@ -17,8 +17,8 @@ class Sinks : public SinkTest {};
 
 using Texts = std::vector<std::string>;
 
-constexpr LogDescriptor descriptor{"TEST_MESSAGE", "resource %s is full", "explanation", "action",
-                                   3};
+constexpr LogDescriptor testDescriptor{"TEST_MESSAGE", "resource %s is full", "explanation",
+                                       "action", 3};
 
 TEST_F(Sinks, SetterReturnsTheSinkBefore) {
     int first = 0;
@@ -55,7 +55,7 @@ TEST_F(Sinks, SinkMayReplaceItself) {
 
 TEST_F(Sinks, SinkMayTraceAndLogItself) {
     TraceHandle const handle("sinks", true);
-    LogHandle log(descriptor);
+    LogHandle log(testDescriptor);
     traceSinkIs([&](TraceLine const& line) { Qor::log(log, line.text); });
     traceEmit({handle, 1, "file", 2, "function", "pool"});
     EXPECT_EQ(messages_, Texts{"resource pool is full"});
@@ -83,13 +83,13 @@ TEST_F(Sinks, DefaultTraceSinkPrintsALineWithTime) {
 
 TEST_F(Sinks, DefaultLogSinkPrintsALineWithTime) {
     logSinkIs({});
-    LogHandle handle(descriptor);
+    LogHandle handle(testDescriptor);
     EXPECT_THAT(printed([&] { log(handle, "pool"); }),
                 testing::ContainsRegex(std::string(time) +
                                        "TEST_MESSAGE \\(severity 3\\): resource pool is full\n$"));
     EXPECT_THAT(
         printed([&] {
-            logEmit({descriptor, "text", 4});
+            logEmit({testDescriptor, "text", 4});
         }),
         testing::ContainsRegex(std::string(time) +
                                "TEST_MESSAGE \\(severity 3\\): text \\(4 more suppressed\\)\n$"));
