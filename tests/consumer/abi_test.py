@@ -18,8 +18,8 @@ CHANGES = {
     "a class grown": (
         r"(<class-decl name='Bitmap' size-in-bits=)'\d+'", r"\1'1024'", "type size changed"),
     "a parameter of another type": (
-        r"(<function-decl name='setBit'.*?<parameter type-id=)'\w+'(/>\s*<return)",
-        r"\1'f0981eec'\2", "setBit"),
+        r"(<function-decl name='subscriberAdd'.*?<parameter type-id=)'\w+'(/>\s*<return)",
+        r"\1'f0981eec'\2", "subscriberAdd"),
     "a function removed": (
         r"<elf-symbol name='_ZN4Bask6Bitmap6setBitEj'[^>]*/>", "", "setBit"),
     "an enumerator renumbered": (
