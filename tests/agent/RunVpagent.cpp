@@ -1,5 +1,7 @@
 #include "agent/RunVpagent.h"
 
+#include "support/ScratchPlace.h"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -150,7 +152,7 @@ std::string Driven::readLine() {
 }
 
 TemporaryFolder::TemporaryFolder() {
-    std::string name = std::filesystem::temp_directory_path() / "vpagent-test-";
+    std::string name = Support::scratchPlace() / "vpagent-test-";
     name.append(6, 'X'); // which mkdtemp replaces
     if (::mkdtemp(name.data()) == nullptr) {
         throw std::runtime_error("no temporary folder");

@@ -143,6 +143,11 @@ class Judging(unittest.TestCase):
         self.assertEqual(running.judged("", -6, False), ("(beside the tests)", "dies of SIGABRT"))
         self.assertEqual(running.judged(self.PASSED, -6, False)[1], "dies of SIGABRT")
 
+    def test_times_are_no_difference(self):
+        early, late = (f"2026-01-0{day}T01:02:03.000004Z  1  text".encode() for day in (1, 2))
+        self.assertEqual(running.timeless(early), running.timeless(late))
+        self.assertNotEqual(running.timeless(early), running.timeless(late + b"s"))
+
     def test_slow_tests_run_behind_the_others(self):
         self.assertEqual(running.filters("runtime", ()), ["*"])
         self.assertEqual(running.filters("runtime", ("A.B", "A.C")), ["*-A.B:A.C", "A.B:A.C"])

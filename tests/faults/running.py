@@ -22,10 +22,13 @@ SUITES = {
 }
 SLOW = 50  # milliseconds; a test that takes longer runs after the others of its program
 LEAST_TIMEOUT = 60  # seconds
+DUMP = ("--trace", "all")
+QUICK = "/dev/shm"  # files of the tests are synchronised often
 MEMORY = 12 << 30  # bytes of a program; without the bound, one that loops would take them all
 
 STARTED = re.compile(r"^\[ RUN      \] (\S+)", re.M)
 ENDED = re.compile(r"^\[ +(OK|FAILED|SKIPPED) +\] ([^\s,]+)", re.M)
+TIME = re.compile(rb"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}Z")
 TIMED = re.compile(r"^\[       OK \] (\S+) \((\d+) ms\)", re.M)
 
 
@@ -95,7 +98,8 @@ def wait(process, timeout):
 def run(folder, suite, tests, number, timeout):
     """One run of tests with the fault of that number; 0 is none."""
     own = tempfile.mkdtemp(prefix="run-", dir=folder)
-    environment = dict(os.environ, VORNIC_FAULT=str(number), TMPDIR=own, TEST_TMPDIR=own)
+    files = tempfile.mkdtemp(prefix="vornic-fault-", dir=QUICK if os.path.isdir(QUICK) else folder)
+    environment = dict(os.environ, VORNIC_FAULT=str(number), TMPDIR=files, TEST_TMPDIR=files)
     command = [program(folder, SUITES[suite][0]), f"--gtest_filter={tests}", "--gtest_fail_fast",
                "--gtest_brief=0", "--gtest_color=no"]
     started = time.monotonic()
@@ -109,12 +113,18 @@ def run(folder, suite, tests, number, timeout):
             text = output.read().decode(errors="replace")
     finally:
         shutil.rmtree(own, ignore_errors=True)
+        shutil.rmtree(files, ignore_errors=True)
     seconds = time.monotonic() - started
     noticed = judged(text, process.returncode, hung)
     if noticed is not None:
         return Outcome(False, *noticed, seconds)
     slow = tuple(test for test, taken in TIMED.findall(text) if int(taken) >= SLOW)
     return Outcome(True, seconds=seconds, slow=slow)
+
+
+def timeless(printed):
+    """What a program printed, without the times of its records."""
+    return TIME.sub(b"(time)", printed)
 
 
 def scripts_output(folder, scripts):
@@ -126,8 +136,5 @@ def scripts_output(folder, scripts):
             done = subprocess.run([program(folder, "vpagent"), *DUMP], check=False, cwd=folder,
                                   env=environment, stdin=commands, timeout=LEAST_TIMEOUT,
                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        printed.append((script.name, done.returncode, done.stdout, done.stderr))
+        printed.append((script.name, done.returncode, timeless(done.stdout), done.stderr))
     return printed
-
-
-DUMP = ("--trace", "all")

@@ -5,11 +5,11 @@
 #include "agent/KeptAgent.h"
 #include "common/Input.h"
 #include "statefile/StoredRecord.h"
+#include "support/ScratchPlace.h"
 #include "text/Refusal.h"
 
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -23,16 +23,10 @@ using VpAgentTest::KeptAgent;
 
 constexpr U8 sealed = 1; ///< all rows get the seal that fits what they hold
 
-/// A folder of this process in memory, if there is such a place.
+/// A folder of this process.
 class Folder {
 public:
-    Folder() {
-        std::error_code error;
-        char const* const chosen = std::getenv("TMPDIR");
-        fs::path const place = chosen != nullptr                     ? fs::path(chosen)
-                               : fs::is_directory("/dev/shm", error) ? fs::path("/dev/shm")
-                                                                     : fs::temp_directory_path();
-        path_ = place / ("vornic-fuzz-" + std::to_string(::getpid()));
+    Folder() : path_(Support::scratchPlace() / ("vornic-fuzz-" + std::to_string(::getpid()))) {
         fs::create_directory(path_);
     }
     ~Folder() { fs::remove_all(path_); }

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """Runs clang-tidy over all sources, several at a time, in the units that CMake made of them.
 
-usage: tidy.py BUILD [--deep] [PATTERN]
+usage: tidy.py BUILD [--shipped | --deep | PATTERN]
 
 BUILD was configured with the preset lint: every command there compiles a unit, which includes a dozen
 sources. Headers are read once a unit, which takes a fifth of the time. A unit in which the names of two
-sources clash is taken apart. PATTERN chooses single sources by a regular expression; --deep takes single
-sources too and adds the analyzer that walks through paths, which takes hours.
+sources clash is taken apart. --shipped leaves out what users do not get: tests, benchmarks and examples.
+PATTERN chooses single sources by a regular expression; --deep takes single sources too and adds the
+analyzer that walks through paths, which takes hours.
 """
 
 import argparse
@@ -25,6 +26,7 @@ OF_UNITS = NOT_DEEP + ",-bugprone-suspicious-include,-clang-diagnostic-shadow"
 # Tests make copies on purpose, and nobody waits for them.
 NOT_OF_TESTS = ",-performance-*"
 CLASH = "clang-diagnostic-error"
+NOT_SHIPPED = re.compile("/(tests|bench|examples)/")
 
 
 def sources_of(unit):
@@ -70,9 +72,13 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build", type=Path)
     parser.add_argument("--deep", action="store_true")
+    parser.add_argument("--shipped", action="store_true")
     parser.add_argument("pattern", nargs="?")
     options = parser.parse_args()
     units, single = commands(options.build)
+    if options.shipped:
+        units = {unit: sources for unit, sources in units.items()
+                 if not any(map(NOT_SHIPPED.search, sources))}
     alone = options.build / "single"
     alone.mkdir(exist_ok=True)
     (alone / "compile_commands.json").write_text(json.dumps(single))
