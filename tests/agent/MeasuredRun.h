@@ -1,6 +1,7 @@
 #pragma once
 
 #include "agent/RunVpagent.h"
+#include "support/Sanitizers.h"
 
 namespace VpAgentTest {
 
@@ -19,14 +20,7 @@ Measured measuredRun(std::vector<std::string> const& arguments,
 /// Whether the program holds back freed memory and keeps shadows of it, so that its peak says
 /// little.
 constexpr bool memoryIsPadded() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    return true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-    return true;
-#endif
-#endif
-    return false;
+    return Support::addressSanitizer() || Support::threadSanitizer();
 }
 
 /// A file of that many bytes which takes no room on the disk, but for those at its front.

@@ -172,7 +172,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, DiskFault,
 /// fail.
 unsigned longLogStep() {
     char const* const chosen = std::getenv("VORNIC_DISK_STEP");
-    return chosen == nullptr ? 499u : static_cast<unsigned>(std::stoul(chosen));
+    return chosen == nullptr ? 997u : static_cast<unsigned>(std::stoul(chosen));
 }
 
 /// A run of which the log has grown so long that the next commit brings it into the file: at any
@@ -182,7 +182,7 @@ TEST_P(DiskFault, WhileALongLogIsBroughtIntoTheFileLosesNothingThatWasAcknowledg
     std::string acknowledged; // the same each time, and long
     std::string underWay;
     unsigned at = 0;
-    for (bool met = true; met; at += at < 2 ? 1u : longLogStep()) {
+    for (bool met = true; met; at += at < 1 ? 1u : longLogStep()) {
         SCOPED_TRACE(at);
         TemporaryFolder const folder;
         auto const path = folder.path() / "state";

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Sanitizers.h"
+
 #include <pthread.h>
 
 #include <cstddef>
@@ -7,6 +9,11 @@
 #include <stdexcept>
 
 namespace Support {
+
+/// The stack of a thread as the system usually makes it, in bytes. The thread sanitizer knows
+/// 65,536 calls within each other and no more: below it the stack is one that so many do not fit
+/// on.
+constexpr std::size_t usualStack() { return std::size_t{1} << (threadSanitizer() ? 19 : 23); }
 
 /// Runs something on a thread of its own that has a stack of so many bytes, and waits for its end.
 inline void onStackOf(std::size_t bytes, std::function<void()> const& work) {
