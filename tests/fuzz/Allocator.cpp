@@ -1,9 +1,10 @@
 // Sequences of operations on the allocator, with the model of `tests/VornicL3Shared/model` beside
 // it.
 //
-// An input is a script, one operation a line: the verb, then numbers for client, kind, key, index
-// and options, of which those at the end may be missing. A first line "watched" lets others listen
-// to the records. What is no operation is passed over.
+// An input is a script, one operation a line: the verb, then numbers for client, kind, key, index,
+// options, another client and a variant, of which those at the end may be missing. A line "watched"
+// lets others listen to the records, and a line "generic" reaches everything through generic
+// access. What is no operation is passed over.
 
 #include "VornicL3Shared/model/Runner.h"
 #include "VornicL3Shared/model/Shrink.h"
@@ -48,7 +49,8 @@ U32 takeNumber(std::string_view& line) {
 }
 
 /// The options are bits: the flag, the number of names (two bits) and the first of them; of a
-/// start, reallocation, the order of remote indices and forwarding.
+/// start, reallocation, the order of remote indices, forwarding, and whether there is no record of
+/// the capabilities and no directory of configs. The variant chooses arguments and a counter.
 Operation operationOf(Verb verb, std::string_view numbers) {
     Operation operation;
     operation.verb = verb;
@@ -66,6 +68,12 @@ Operation operationOf(Verb verb, std::string_view numbers) {
     operation.settings.reallocation = (options & 1) != 0;
     operation.settings.remoteLow = (options & 2) != 0;
     operation.settings.vfiForwarding = (options & 4) != 0;
+    operation.settings.capabilities = (options & 8) == 0;
+    operation.settings.configDir = (options & 16) == 0;
+    operation.other = clientNames()[takeNumber(numbers) % clientNames().size()];
+    U32 const variant = takeNumber(numbers);
+    operation.variant = static_cast<Variant>(variant % variantCount);
+    operation.counter = static_cast<Counter>(variant % counterCount);
     return operation;
 }
 
@@ -80,6 +88,8 @@ void keepToTypes(Operation& operation, std::string_view verb) {
     case Verb::setIndex:
     case Verb::defaultVp:
     case Verb::recycle:
+    case Verb::putCounter:
+    case Verb::addToCounter:
         break;
     case Verb::bitmap:
         operation.number %= 2;
@@ -91,9 +101,10 @@ void keepToTypes(Operation& operation, std::string_view verb) {
 
 Sequence sequenceOf(std::string_view script) {
     Sequence sequence;
-    sequence.watched = script.starts_with("watched\n");
     while (!script.empty() && sequence.steps.size() < mostSteps) {
         std::string_view line = takeUpTo(script, '\n');
+        sequence.watched |= line == "watched";
+        sequence.generic |= line == "generic";
         auto const verb = verbs.find(takeUpTo(line, ' '));
         if (verb != verbs.end()) {
             sequence.steps.push_back(operationOf(verb->second, line));
