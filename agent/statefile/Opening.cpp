@@ -1,5 +1,6 @@
 #include "statefile/Opening.h"
 
+#include "statefile/Companion.h"
 #include "statefile/Format.h"
 #include "statefile/Rows.h"
 #include "statefile/WalFile.h"
@@ -16,7 +17,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <random>
 #include <string_view>
 #include <system_error>
@@ -55,9 +55,7 @@ bool isJournal(fs::path const& path) {
     constexpr std::string_view mark("\xD9\xD5\x05\xF9\x20\xA1\x63\xD7", 8);
     constexpr std::string_view zeros("\0\0\0\0\0\0\0\0", 8);
     std::array<char, 8> front{};
-    std::ifstream file(path, std::ios::binary);
-    file.read(front.data(), front.size());
-    std::string_view const found(front.data(), static_cast<std::size_t>(file.gcount()));
+    std::string_view const found(front.data(), CompanionReader(path).read(front));
     return mark.starts_with(found) || zeros.starts_with(found);
 }
 
@@ -65,6 +63,7 @@ bool isJournal(fs::path const& path) {
 /// removes it. The journal of a file in the making is there after the file.
 void checkJournal(fs::path const& path) {
     fs::path const journal(path.string() + "-journal");
+    checkCompanion(journal);
     if (fs::exists(journal) && (!fs::exists(path) || !isJournal(journal))) {
         throw Refusal(inQuotes(journal.filename().string()) +
                       " beside it does not belong to it and would be lost, expected no such file");
@@ -93,6 +92,7 @@ fs::path checkedPath(fs::path const& path) {
         throw Refusal(std::string("no file can be made in its folder (") + std::strerror(errno) +
                       "), expected a folder that may be written");
     }
+    checkCompanion(resolved.string() + "-wal");
     checkJournal(resolved);
     return resolved;
 }

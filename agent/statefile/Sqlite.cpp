@@ -25,6 +25,10 @@ std::string description(sqlite3* connection, int code) {
     if (primary == SQLITE_FULL) { // SQLite does not tell the two apart
         text += "; a state file has at most " + std::to_string(Limits::stateFile) + " bytes";
     }
+    if (primary == SQLITE_TOOBIG) {
+        text +=
+            "; a row of a state file has at most " + std::to_string(Limits::stateValue) + " bytes";
+    }
     return text;
 }
 
@@ -55,7 +59,7 @@ Connection::Connection(std::string const& path) {
 }
 
 /// Whoever made the file may have put anything into it. Nothing that its schema says is carried
-/// out, no page is taken for sound, and no value is larger than those of a state file.
+/// out, no page is taken for sound, and no row is larger than those of a state file.
 void Connection::distrust() {
     for (auto const& [option, on] :
          {std::pair(SQLITE_DBCONFIG_DEFENSIVE, 1), std::pair(SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0),

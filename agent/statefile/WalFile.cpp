@@ -1,11 +1,11 @@
 #include "statefile/WalFile.h"
 
 #include "pelo/Integers.h"
+#include "statefile/Companion.h"
 #include "statefile/Rows.h"
 
 #include <algorithm>
 #include <array>
-#include <fstream>
 #include <string_view>
 #include <vector>
 
@@ -79,11 +79,11 @@ struct Frames {
     U32 transactionsBehindBad = 0; ///< that end behind the first bad frame
 };
 
-Frames readFrames(std::istream& file, Header header) {
+Frames readFrames(CompanionReader const& file, Header header) {
     std::string frame(frameHeaderSize + header.pageSize, '\0');
     bool good = true;
     Frames frames;
-    while (file.read(frame.data(), static_cast<std::streamsize>(frame.size()))) {
+    while (file.read(frame) == frame.size()) {
         frames.any = true;
         Bytes const bytes = frame;
         bool const ofThisLog = bytes.substr(8, 8) == header.salts;
@@ -109,10 +109,10 @@ void checkNotNeeded(bool needed) {
 } // namespace
 
 void checkWal(std::string const& path, bool needed) {
-    std::ifstream file(path, std::ios::binary);
+    CompanionReader const file(path);
     std::array<char, headerSize> bytes{};
     auto const isZero = [](char c) { return c == '\0'; };
-    if (!file.read(bytes.data(), headerSize) || std::all_of(bytes.begin(), bytes.end(), isZero)) {
+    if (file.read(bytes) != headerSize || std::all_of(bytes.begin(), bytes.end(), isZero)) {
         checkNotNeeded(needed);
         return;
     }

@@ -5,8 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <functional>
 #include <iostream>
 #include <random>
 #include <utility>
@@ -68,32 +71,39 @@ protected:
 
 TEST_F(Hostile, ASchemaThatDoesMoreIsRefusedAndNotRun) {
     std::string const rewrite = "PRAGMA writable_schema = 1; UPDATE sqlite_schema SET ";
-    for (std::string const& change : {
-             std::string("CREATE TRIGGER t AFTER INSERT ON client BEGIN DELETE FROM config; END"),
-             std::string("CREATE VIEW v AS SELECT * FROM client"),
-             std::string("CREATE TABLE extra (x)"),
-             std::string("CREATE INDEX i ON client (abs(id))"),
-             std::string("CREATE TABLE g (x, y GENERATED ALWAYS AS (printf('%.*c', 1000000000, x))"
-                         " STORED)"),
-             rewrite +
-                 "sql = replace(sql, 'seal INTEGER', 'seal INTEGER CHECK (load_extension(''x''))')",
-             std::string("DROP TABLE boot; CREATE VIEW boot AS SELECT 1 AS kind, 2 AS key"),
-             std::string("PRAGMA writable_schema = 1; INSERT INTO sqlite_schema VALUES"
-                         " ('table', 'w', 'w', 0, 'CREATE VIRTUAL TABLE w USING nothing(x)')"),
-             rewrite + "rootpage = 2 WHERE name = 'config'",
-             rewrite + "rootpage = 1 WHERE name = 'config'",
-             rewrite + "rootpage = 4294967295 WHERE name = 'config'",
-             rewrite + "rootpage = -1 WHERE name = 'config'",
-             rewrite + "sql = replace(sql, 'STRICT', '')",
-             rewrite + "sql = 'CREATE TABLE boot (' || hex(zeroblob(3000000)) || ')'"
-                       " WHERE name = 'boot'",
-             rewrite + "sql = 'CREATE TABLE boot (x CHECK (' || replace(hex(zeroblob(50000)), '00',"
-                       " '(') || ')' WHERE name = 'boot'",
-             rewrite + "type = 'trigger' WHERE name = 'boot'",
-         }) {
+    std::string const other = "its tables are not those of a state file";
+    std::string const malformed = "malformed database schema (";
+    std::pair<std::string, std::string> const changes[] = {
+        {"CREATE TRIGGER t AFTER INSERT ON client BEGIN DELETE FROM config; END", other},
+        {"CREATE VIEW v AS SELECT * FROM client", other},
+        {"CREATE TABLE extra (x)", other},
+        {"CREATE INDEX i ON client (abs(id))", other},
+        {"CREATE TABLE g (x, y GENERATED ALWAYS AS (printf('%.*c', 1000000000, x)) STORED)", other},
+        {rewrite +
+             "sql = replace(sql, 'seal INTEGER', 'seal INTEGER CHECK (load_extension(''x''))')",
+         other},
+        {"DROP TABLE boot; CREATE VIEW boot AS SELECT 1 AS kind, 2 AS key", other},
+        {"PRAGMA writable_schema = 1; INSERT INTO sqlite_schema VALUES"
+         " ('table', 'w', 'w', 0, 'CREATE VIRTUAL TABLE w USING nothing(x)')",
+         malformed + "w)"},
+        {rewrite + "rootpage = 2 WHERE name = 'config'", "reference to page 2"},
+        {rewrite + "rootpage = 1 WHERE name = 'config'", malformed + "config)"},
+        {rewrite + "rootpage = 4294967295 WHERE name = 'config'", malformed + "config)"},
+        {rewrite + "rootpage = -1 WHERE name = 'config'", malformed + "config)"},
+        {rewrite + "sql = replace(sql, 'STRICT', '')", other},
+        {rewrite + "sql = 'CREATE TABLE boot (' || hex(zeroblob(3000000)) || ')'"
+                   " WHERE name = 'boot'",
+         malformed + "boot)"},
+        {rewrite + "sql = 'CREATE TABLE boot (x CHECK (' || replace(hex(zeroblob(50000)), '00',"
+                   " '(') || ')' WHERE name = 'boot'",
+         malformed + "boot)"},
+        {rewrite + "type = 'trigger' WHERE name = 'boot'", malformed + "boot)"},
+    };
+    for (auto const& [change, reason] : changes) {
         SCOPED_TRACE(change);
         sql(change);
-        expectRefused("");
+        expectRefused("it is damaged (");
+        expectRefused(reason);
     }
 }
 
@@ -106,13 +116,21 @@ TEST_F(Hostile, ValuesOfOtherTypesAreRefused) {
     std::string const close =
         "PRAGMA writable_schema = 1; UPDATE sqlite_schema SET sql = (SELECT s FROM former"
         " WHERE n = name) WHERE name IN (SELECT n FROM former); DROP TABLE former";
-    for (char const* const change :
-         {"UPDATE config SET position = NULL", "UPDATE config SET position = 1.5",
-          "UPDATE config SET seal = 'x'", "UPDATE boot SET vp_index = x'00'",
-          "UPDATE boot SET vp_index = 1e300", "UPDATE waiting SET seal = NULL",
-          "UPDATE client SET name = zeroblob(100)", "UPDATE client SET name = 7",
-          "UPDATE client SET vp_table_size = -9223372036854775807",
-          "UPDATE reference SET clients = NULL", "UPDATE reference SET clients = zeroblob(1000)"}) {
+    std::pair<char const*, char const*> const changes[] = {
+        {"UPDATE config SET position = NULL", "NULL value in config.position"},
+        {"UPDATE config SET position = 1.5", "non-INTEGER value in config.position"},
+        {"UPDATE config SET seal = 'x'", "non-INTEGER value in config.seal"},
+        {"UPDATE boot SET vp_index = x'00'", "non-INTEGER value in boot.vp_index"},
+        {"UPDATE boot SET vp_index = 1e300", "non-INTEGER value in boot.vp_index"},
+        {"UPDATE waiting SET seal = NULL", "NULL value in waiting.seal"},
+        {"UPDATE client SET name = zeroblob(100)", "non-TEXT value in client.name"},
+        {"UPDATE client SET name = 7", "table \"client\", its seal does not fit"}, // a text again
+        {"UPDATE client SET vp_table_size = -9223372036854775807",
+         "the number in column 4 is above 4294967295"},
+        {"UPDATE reference SET clients = NULL", "NULL value in reference.clients"},
+        {"UPDATE reference SET clients = zeroblob(1000)", "non-TEXT value in reference.clients"},
+    };
+    for (auto const& [change, reason] : changes) {
         SCOPED_TRACE(change);
         sql(open);
         std::string const opened = bytesOf(path_);
@@ -121,7 +139,7 @@ TEST_F(Hostile, ValuesOfOtherTypesAreRefused) {
         good_ = bytesOf(path_);
         sql(close);
         good_ = good;
-        expectRefused("");
+        expectRefused(reason);
     }
 }
 
@@ -139,6 +157,19 @@ TEST_F(Hostile, ValuesOfAnySizeAreRefusedInBoundedMemory) {
     expectRefused("is no client name, or is there twice");
     sql("UPDATE reference SET clients = replace(hex(zeroblob(2000000)), '0', 'x' || char(10))");
     expectRefused("is no client name, or is there twice");
+}
+
+/// The limit is that of a row as SQLite sorts it: beside the text it holds the other columns, and
+/// where each of them ends.
+TEST_F(Hostile, RowsOfTheLargestSizeAreReadAndNoLargerOnes) {
+    constexpr int others = 21; // for a VLAN that waits
+    auto const makeRow = [&](int bytes) {
+        sql("UPDATE waiting SET key = printf('%.*c', " + std::to_string(bytes - others) + ", '1')");
+    };
+    makeRow(VpAgent::Limits::stateValue);
+    expectRefused("is no vlan key");
+    makeRow(VpAgent::Limits::stateValue + 1);
+    expectRefused("string or blob too big; a row of a state file has at most 16777216 bytes");
 }
 
 TEST_F(Hostile, RowsThatFitTheirSealAreCheckedAllTheSame) {
@@ -165,7 +196,8 @@ TEST_F(Hostile, RowsThatFitTheirSealAreCheckedAllTheSame) {
 
 TEST_F(Hostile, SizesBeyondTheLimitAreRefusedAtOnce) {
     for (auto const& [name, size] : {std::pair("state", VpAgent::Limits::stateFile),
-                                     std::pair("state-wal", 2 * VpAgent::Limits::stateFile)}) {
+                                     std::pair("state-wal", 2 * VpAgent::Limits::stateFile),
+                                     std::pair("state-journal", VpAgent::Limits::stateFile)}) {
         write(good_);
         fs::path const file = folder_.path() / name;
         makeSparse(file, size + 1, bytesOf(file));
@@ -189,6 +221,68 @@ TEST_F(Hostile, LinksThatLeadNowhereOrInACircleAreRefused) {
         EXPECT_THAT(run.outcome.err,
                     HasSubstr("vpagent: cannot use the state file \"" + link.string()));
     }
+}
+
+constexpr char const* const companions[] = {"state-wal", "state-journal"};
+
+/// A pipe would keep whoever opens it waiting for its other end.
+TEST_F(Hostile, CompanionsThatAreNoRegularFilesAreRefusedWithoutWaiting) {
+    for (std::string const name : companions) {
+        fs::path const companion = folder_.path() / name;
+        std::vector<std::pair<char const*, std::function<void()>>> const kinds{
+            {"pipe", [&] { ASSERT_EQ(::mkfifo(companion.c_str(), 0600), 0); }},
+            {"folder", [&] { fs::create_directory(companion); }},
+            {"link to a pipe",
+             [&] {
+                 ASSERT_EQ(::mkfifo((folder_.path() / "pipe").c_str(), 0600), 0);
+                 fs::create_symlink("pipe", companion);
+             }},
+            {"link to a device", [&] { fs::create_symlink("/dev/zero", companion); }},
+            {"link that leads nowhere", [&] { fs::create_symlink("nowhere", companion); }},
+            {"link to itself", [&] { fs::create_symlink(name, companion); }},
+        };
+        for (auto const& [kind, make] : kinds) {
+            SCOPED_TRACE(name + ": " + kind);
+            make();
+            for (std::string_view const content : {std::string_view(good_), std::string_view()}) {
+                write(content);
+                Outcome const outcome =
+                    runVpagent({"--state", path_}, "client add b\n", [] { ::alarm(60); });
+                EXPECT_EQ(outcome.status, 2);
+                EXPECT_EQ(outcome.err, "vpagent: cannot use the state file \"" + path_ + "\": \"" +
+                                           name +
+                                           "\" beside it is not a regular file, expected one, or "
+                                           "none\n");
+                EXPECT_TRUE(bytesOf(path_) == content);
+            }
+            EXPECT_FALSE(fs::exists(folder_.path() / "nowhere"));
+            fs::remove(companion);
+            fs::remove(folder_.path() / "pipe");
+        }
+    }
+}
+
+/// What a link of the log's or the journal's name leads to is nobody's but its owner's.
+TEST_F(Hostile, CompanionsThatLeadToAnotherFileAreRefusedAndItStays) {
+    std::string const zeros(8, '\0'); // as a journal may begin
+    for (std::string const name : companions) {
+        fs::path const companion = folder_.path() / name;
+        for (std::string const& content : {std::string(), zeros, std::string("notes")}) {
+            SCOPED_TRACE(name + " of " + std::to_string(content.size()) + " bytes");
+            fs::path const victim = folder_.write("victim", content);
+            write(good_);
+            fs::create_symlink("victim", companion);
+            expectRefused('"' + name + "\" beside it is not a regular file");
+            fs::remove(companion);
+            fs::create_hard_link(victim, companion);
+            expectRefused('"' + name + "\" beside it has a further name");
+            EXPECT_EQ(runVpagent({"--state", path_}, "client add b\n").status, 2);
+            EXPECT_EQ(bytesOf(victim), content);
+            EXPECT_EQ(fs::hard_link_count(victim), 2u);
+            fs::remove(companion);
+        }
+    }
+    EXPECT_EQ(runVpagent({"--state", path_}, "client add b\n").status, 0);
 }
 
 /// Numbers at the places where SQLite finds its way: the header, and the head of each page.
@@ -281,6 +375,31 @@ TEST_F(StateFileLimit, AFileOfTheLargestSizeIsTakenAndNoLargerOne) {
     } catch (VpAgent::Refusal const& refusal) {
         EXPECT_THAT(refusal.what(), HasSubstr("it has more than " + std::to_string(size - 1) +
                                               " bytes, expected a smaller one"));
+    }
+}
+
+TEST_F(StateFileLimit, ALogAndAJournalOfTheLargestSizeAreTakenAndNoLargerOnes) {
+    KeptAgent(path_).commit();
+    U64 const size = fs::file_size(path_);
+    for (auto const& [name, most] :
+         {std::pair("state-wal", 2 * size), std::pair("state-journal", size)}) {
+        SCOPED_TRACE(name);
+        fs::path const companion = folder_.path() / name;
+        makeSparse(companion, most + 1);
+        VpAgent::Database database;
+        try {
+            VpAgent::StateFile::open(path_, database, size);
+            ADD_FAILURE() << "not refused";
+        } catch (VpAgent::Refusal const& refusal) {
+            EXPECT_THAT(refusal.what(),
+                        HasSubstr(std::string(name) + " beside it has more than " +
+                                  std::to_string(most) + " bytes, expected a smaller one"));
+        }
+        EXPECT_EQ(fs::file_size(companion), most + 1);
+        fs::resize_file(companion, most);
+        VpAgent::Database another;
+        EXPECT_NE(VpAgent::StateFile::open(path_, another, size), nullptr);
+        fs::remove(companion);
     }
 }
 
