@@ -1,10 +1,13 @@
 #include "agent/CrashedRun.h"
 #include "agent/RingScripts.h"
+#include "agent/RunVpagent.h"
 #include "lumlog/RingFormat.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <csignal>
 #include <filesystem>
 
 namespace VpAgentTest {
@@ -177,6 +180,27 @@ TEST_F(RingFile, IsReplacedByADumpOnlyWhenItIsOne) {
 TEST_F(RingFile, IsTheOnlyOneThatADumpLeaves) {
     dumpOf(someRecords, "ring");
     dumpOf(someRecords, "ring");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), {}), 1);
+}
+
+TEST_F(RingFile, ThatGrowsBeyondTheLargestSizeIsNotLeftAndTheFormerOneStays) {
+    std::string const former = dumpOf("", "ring");
+    auto const limitSize = [] {
+        constexpr rlim_t most = 100'000;
+        rlimit const bytes{most, most};
+        ::setrlimit(RLIMIT_FSIZE, &bytes);
+        std::signal(SIGXFSZ, SIG_DFL); // whatever whoever started the tests has chosen
+    };
+    for (char const* const name : {"ring", "none"}) {
+        Outcome const outcome =
+            runVpagent({}, std::string(someRecords) + "ring dump " + path(name) + '\n', limitSize);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_NE(outcome.err.find("cannot write \"" + path(name) +
+                                   "\" (File too large), expected a file that can be written"),
+                  std::string::npos)
+            << outcome.err;
+    }
+    EXPECT_TRUE(readAll(path("ring")) == former);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), {}), 1);
 }
 
