@@ -15,8 +15,8 @@ struct Plan {
     bool forEver = false;
     bool failed = false;
 
-    /// The code with which the next operation, of this kind, fails, which is `broken` when the disk
-    /// is not full; `SQLITE_OK` when it does not.
+    /// The code with which the next operation, of this kind, fails, `broken` when the disk is
+    /// neither full nor to be read only; `SQLITE_OK` when it does not.
     int next(FaultyDisk::Step step, int broken) {
         if ((steps & step) == 0) {
             return SQLITE_OK;
@@ -29,7 +29,14 @@ struct Plan {
             return SQLITE_OK;
         }
         failed = true;
-        return fault == FaultyDisk::Fault::full ? SQLITE_FULL : broken;
+        switch (fault) {
+        case FaultyDisk::Fault::full:
+            return SQLITE_FULL;
+        case FaultyDisk::Fault::readOnly:
+            return SQLITE_READONLY;
+        default:
+            return broken;
+        }
     }
 };
 

@@ -13,7 +13,8 @@ namespace VpAgentTest {
 class FaultyDisk {
 public:
     /// A write that is cut writes its first half before it fails, as far as that is whole sectors.
-    enum class Fault { full, broken, cut };
+    /// `readOnly`: what is there may be read, and nothing may be changed any more.
+    enum class Fault { full, broken, cut, readOnly };
     enum class Lasting { once, forEver };
 
     /// What may fail. Several are joined with `|`.
