@@ -33,9 +33,9 @@ template <class Kind> void VpIndexAllocator::verifyConfig() const {
         VP_ASSERT(vpIndexStatus_ && vpIndexStatus_->has<Kind>(it.key()), Words::statusHas,
                   Words::verifySignature);
         U16 const vpIndex = vpIndexStatus_->get<Kind>(it.key()).vpIndex();
-        VP_ASSERT(
-            vpIndex == invalidVpIndex || vpIndexAllocatorDirSm_->vpBitmap()->isBitSet(vpIndex),
-            "vpIndexAllocatorDirSm()->vpBitmap()->isBitSet( vpIndex )", Words::verifySignature);
+        VP_ASSERT(vpIndex == invalidVpIndex || vpIndexAllocatorDirSm_->pool().isBitSet(vpIndex),
+                  "vpIndexAllocatorDirSm()->vpBitmap()->isBitSet( vpIndex )",
+                  Words::verifySignature);
     }
 }
 

@@ -20,7 +20,7 @@ void VpIndexAllocatorDirSm::verify() const {
         it.value()->verify();
     }
     U32 const numVps = vpReference_ ? vpReference_->memberCount() : 0;
-    VP_ASSERT(numVps + maxSystemSourceVp_ == vpBitmap_->numBitsInSetState(),
+    VP_ASSERT(numVps + maxSystemSourceVp_ == pool().numBitsInSetState(),
               "( numVps + maxSystemSourceVp_ ) == vpBitmap()->numBitsInSetState()", signature);
     VP_TRACE(stepLevel, "verify", " verify vp indices match across statuses");
     if (vpReference_) {

@@ -19,23 +19,29 @@ Pelo::Ptr<Bask::Bitmap> VpIndexAllocatorDirSm::vpBitmapDel() {
     return Pelo::Ptr<Bask::Bitmap>::adopt(vpBitmap_.detach());
 }
 
+/// The pool, where it has to be there: a host may have taken it away.
+Bask::Bitmap& VpIndexAllocatorDirSm::pool() const {
+    QOR_ASSERT(vpBitmap_ != nullptr);
+    return *vpBitmap_;
+}
+
 void VpIndexAllocatorDirSm::setVpBitmap(U32 vpIndex) {
     if (vpIndex >
         vpTableSize_) { // the table size itself passes, as it does in the clients' statistics
         return;
     }
-    VP_ASSERT(!vpBitmap_->isBitSet(vpIndex), "!vpBitmap()->isBitSet( vpIndex )",
+    VP_ASSERT(!pool().isBitSet(vpIndex), "!vpBitmap()->isBitSet( vpIndex )",
               "void VornicCentral::VpIndexAllocatorDirSm::setVpBitmap(U32)");
-    vpBitmap_->setBit(vpIndex);
+    pool().setBit(vpIndex);
 }
 
 U16 VpIndexAllocatorDirSm::allocVpIndex(bool indexPreferenceHigh) {
-    if (vpBitmap_->numBitsInSetState() == vpTableSize_) {
+    if (pool().numBitsInSetState() == vpTableSize_) {
         VP_TRACE(stepLevel, "allocVpIndex", " VpIndex full return invalidVirtualPort");
         return invalidVpIndex;
     }
     auto const preference = indexPreferenceHigh ? Bask::Preference::high : Bask::Preference::low;
-    U32 const vpIndex = vpBitmap_->findClearBitInRange(0, vpBitmap_->size() - 1, preference);
+    U32 const vpIndex = pool().findClearBitInRange(0, pool().size() - 1, preference);
     VP_TRACE(stepLevel, "allocVpIndex", " index allocated is: ", vpIndex);
     VP_ASSERT(vpIndex != Bask::HBitmap::null(), "vpIndex != Bask::HBitmap::null()",
               "U16 VornicCentral::VpIndexAllocatorDirSm::allocVpIndex(bool)");
@@ -48,7 +54,7 @@ void VpIndexAllocatorDirSm::freeVpIndex(U32 vpIndex) {
         return;
     }
     VP_TRACE(stepLevel, "freeVpIndex", " index freed is: ", vpIndex);
-    vpBitmap_->clearBit(vpIndex);
+    pool().clearBit(vpIndex);
 }
 
 } // namespace VornicCentral

@@ -111,8 +111,8 @@ public:
     // The pool of VP indices. `setVpBitmap`, `allocVpIndex` and `freeVpIndex` must not be called
     // while there is none.
 
-    /// Null before start-up and after `vpBitmapDel`. Whoever changes a bit here bypasses all
-    /// checks.
+    /// Null before start-up and after `vpBitmapDel`, and whatever needs the pool then stops the
+    /// process with "vpBitmap_ != nullptr". Whoever changes a bit here bypasses all checks.
     Pelo::Ptr<Bask::Bitmap> const& vpBitmap() const noexcept { return vpBitmap_; }
     /// The pool with these properties: the one that is there, with its bits, when it was built with
     /// the same three values, else a new one in its place. `size` in bits.
@@ -246,6 +246,8 @@ public:
     Qor::TypeData const* typeData() const override;
 
 private:
+    VORNICL3SHARED_LOCAL Bask::Bitmap& pool() const;
+
     /// A client's records; null when there is none, or no directory.
     Pelo::Ptr<VpIndexConfig const> configOf(Pelo::String const& name) const;
     Pelo::Ptr<VpIndexStatus> statusOf(Pelo::String const& name) const;

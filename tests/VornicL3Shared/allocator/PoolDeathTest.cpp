@@ -72,4 +72,20 @@ TEST_F(PoolDeathTest, StartingUpAgainOverAPoolThatIsThere) {
     EXPECT_DEATH(world.sm->handleInitialized(), markedTwice);
 }
 
+TEST_F(PoolDeathTest, WhatNeedsAPoolThatWasTakenAway) {
+    world.client("bgp");
+    world.config("bgp").vlanVportIs(Bridging::VlanId(7), true);
+    std::string const noPool = "Assertion 'vpBitmap_ != nullptr' failed";
+    world.sm->vpBitmapDel();
+    EXPECT_DEATH(world.sm->setVpBitmap(12), noPool);
+    EXPECT_DEATH(world.sm->allocVpIndex(true), noPool);
+    EXPECT_DEATH(world.sm->freeVpIndex(12), noPool);
+    EXPECT_DEATH(world.sm->recycleOrFreeVpIndex(12), noPool);
+    EXPECT_DEATH(world.config("bgp").vlanVportIs(Bridging::VlanId(8), true), noPool);
+    EXPECT_DEATH(world.config("bgp").vlanVportDel(Bridging::VlanId(7)), noPool);
+    EXPECT_DEATH(world.sm->verify(), noPool);
+    EXPECT_DEATH(world.allocator("bgp").verify(), noPool);
+    world.sm->freeVpIndex(65535); // no index, which needs no pool
+}
+
 } // namespace
