@@ -48,7 +48,7 @@ inline constexpr U64 ringFile = U64{4} << 30;
 /// Bytes of a state file. Its log may be twice as long.
 inline constexpr U64 stateFile = U64{4} << 30;
 
-/// Bytes of one value in a state file.
+/// Bytes of one row in a state file.
 inline constexpr int stateValue = 16 << 20;
 
 } // namespace VpAgent::Limits
