@@ -1,5 +1,6 @@
 #include "VornicL3Shared/model/Campaign.h"
 
+#include "VornicL3Shared/model/LastWords.h"
 #include "VornicL3Shared/model/Shrink.h"
 #include "qor/Sinks.h"
 
@@ -40,23 +41,31 @@ Failure failureOf(Sequence const& sequence, U64 seed, Beliefs const& beliefs) {
             runInChild(small, beliefs).value_or(Mismatch{0, "the failure did not come again\n"})};
 }
 
-/// Writes the failure of the sequence under way when an assertion that nobody foresaw is about to
-/// end this process.
-class LastWords {
+/// What a run says of the sequence under way when the process is about to end. A failed assertion
+/// leaves it in good enough order to shrink the sequence; after all else it is told whole.
+class UnderWay {
 public:
-    LastWords() {
+    UnderWay() {
         former_ = Qor::assertionSinkIs([this](Qor::AssertionFailure const&) {
-            std::cerr << failureOf(sequence, seed, {}).text() << std::flush;
+            std::cerr << failureOf(sequence_, seed_, {}).text() << std::flush;
+            LastWords::areSaid();
         });
     }
-    ~LastWords() { Qor::assertionSinkIs(former_); }
-    LastWords(LastWords const&) = delete;
-    LastWords& operator=(LastWords const&) = delete;
+    ~UnderWay() { Qor::assertionSinkIs(former_); }
+    UnderWay(UnderWay const&) = delete;
+    UnderWay& operator=(UnderWay const&) = delete;
 
-    Sequence sequence;
-    U64 seed = 0;
+    Sequence const& is(U64 seed, Sequence sequence) {
+        seed_ = seed;
+        sequence_ = std::move(sequence);
+        lastWords_.are("seed " + std::to_string(seed) + "\n" + scriptOf(sequence_));
+        return sequence_;
+    }
 
 private:
+    U64 seed_ = 0;
+    Sequence sequence_;
+    LastWords lastWords_;
     Qor::AssertionSink former_;
 };
 
@@ -72,6 +81,11 @@ Effort Effort::share(U64 percent) {
     return effort;
 }
 
+std::string Effort::text() const {
+    return "first seed " + std::to_string(firstSeed) + ", sequences: " + std::to_string(sequences) +
+           ", steps of each: " + std::to_string(fewestSteps) + " to " + std::to_string(mostSteps);
+}
+
 std::string Failure::text() const {
     return "seed " + std::to_string(seed) + " (" + std::to_string(steps) + " steps, shrunk to " +
            std::to_string(shrunk.steps.size()) + ")\n" + scriptOf(shrunk) + "after step " +
@@ -79,12 +93,13 @@ std::string Failure::text() const {
 }
 
 std::optional<Failure> campaign(Flavour const& flavour, Effort const& effort, Tally& tally) {
-    LastWords lastWords;
+    std::cout << effort.text() << std::endl;
+    UnderWay underWay;
     for (U64 at = 0; at < effort.sequences; ++at) {
-        lastWords.seed = effort.firstSeed + at;
-        lastWords.sequence = sequenceOf(flavour, effort, lastWords.seed);
-        if (run(lastWords.sequence, {}, tally)) {
-            return failureOf(lastWords.sequence, lastWords.seed, {});
+        U64 const seed = effort.firstSeed + at;
+        Sequence const& sequence = underWay.is(seed, sequenceOf(flavour, effort, seed));
+        if (run(sequence, {}, tally)) {
+            return failureOf(sequence, seed, {});
         }
     }
     return std::nullopt;
@@ -92,6 +107,7 @@ std::optional<Failure> campaign(Flavour const& flavour, Effort const& effort, Ta
 
 std::optional<Failure> campaignInChildren(Flavour const& flavour, Effort const& effort,
                                           Beliefs const& beliefs) {
+    std::cout << effort.text() << std::endl;
     for (U64 at = 0; at < effort.sequences; ++at) {
         U64 const seed = effort.firstSeed + at;
         Sequence const sequence = sequenceOf(flavour, effort, seed);

@@ -1,6 +1,16 @@
 #include "VornicL3Shared/model/Campaign.h"
+#include "support/Sanitizers.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <exception>
+#include <limits>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
 
 /// The comparison itself: a model with one wrong belief must disagree with the library.
 namespace ModelTest {
@@ -91,6 +101,98 @@ TEST(ModelCanary, StopThatTheModelDoesNotForeseeIsFound) {
               "VornicCentral::VpIndexAllocator::verifyAndUpdateAllocStats(U16) of "
               "/src/VornicL3Shared/VornicL3VpIndexAllocator")
         << failure.text();
+}
+
+TEST(ModelCanary, AFullRunTriesEveryStopAndEveryFailingCheck) {
+    Tally sampled;
+    sampled.full = false;
+    Tally full;
+    full.full = true;
+    for (U64 seed = 0; seed < 3; ++seed) {
+        Sequence const sequence = generated(hostileRecords(), seed, 60);
+        EXPECT_FALSE(run(sequence, {}, sampled)) << seed;
+        EXPECT_FALSE(run(sequence, {}, full)) << seed;
+    }
+    U64 foreseen = 0;
+    for (auto const& [text, count] : full.met) {
+        foreseen += count;
+    }
+    EXPECT_EQ(full.stops + full.failedChecks, foreseen);
+    EXPECT_EQ(full.passedChecks, sampled.passedChecks);
+    EXPECT_GT(full.failedChecks, sampled.failedChecks);
+}
+
+/// Something ends the process within a step of the library.
+class ModelCanaryDeathTest : public testing::Test {
+protected:
+    static constexpr U64 seed = 4712;
+    static constexpr std::size_t steps = 6;
+
+    /// A run of two sequences, in the second of which the third step does this.
+    static void run(std::function<void()> const& fault) {
+        Effort const effort{2, seed - 1, steps, steps};
+        Tally tally;
+        U64 before = 0;
+        tally.onStep = [&] {
+            if (tally.sequences == 2 && ++before == 3) {
+                fault();
+            }
+        };
+        static_cast<void>(campaign(politeClients(), effort, tally));
+    }
+
+    /// What it must say, as a regular expression.
+    static std::string words() {
+        std::string expression;
+        for (char const each : "seed " + std::to_string(seed) + "\n" +
+                                   scriptOf(generated(politeClients(), seed, steps))) {
+            bool const plain = std::string_view(".[]{}()*+?|^$\\").find(each) == std::string::npos;
+            expression += (plain ? "" : "\\") + std::string(1, each);
+        }
+        return expression;
+    }
+
+    /// Without a sanitizer it ends by the signal, as if nothing had been said.
+    static auto endedBy(int signal) {
+        return [signal](int status) {
+            bool const sanitized = Support::addressSanitizer() || Support::threadSanitizer();
+            return testing::KilledBySignal(signal)(status) ||
+                   (sanitized && WIFEXITED(status) && WEXITSTATUS(status) != 0);
+        };
+    }
+};
+
+TEST_F(ModelCanaryDeathTest, ASignalLeavesSeedAndScript) {
+    for (int const signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
+        EXPECT_EXIT(run([signal] { raise(signal); }), endedBy(signal), words()) << signal;
+    }
+    EXPECT_EXIT(run([] { std::abort(); }), testing::KilledBySignal(SIGABRT), words());
+}
+
+TEST_F(ModelCanaryDeathTest, AnUncaughtExceptionLeavesSeedAndScript) {
+    EXPECT_EXIT(run([] { std::terminate(); }), testing::KilledBySignal(SIGABRT), words());
+    auto const catchOutside = [] {
+        try {
+            run([] { throw std::runtime_error("from a step"); });
+        } catch (std::runtime_error const&) {
+            _exit(EXIT_FAILURE);
+        }
+    };
+    EXPECT_EXIT(catchOutside(), testing::ExitedWithCode(EXIT_FAILURE), words());
+}
+
+TEST_F(ModelCanaryDeathTest, AReportOfTheSanitizerLeavesSeedAndScript) {
+    if (!Support::addressSanitizer()) {
+        return; // there are no reports
+    }
+    std::vector<char> const bytes(8);
+    std::size_t const volatile behind = bytes.size();
+    char volatile read = 0;
+    auto const readBehind = [&] { read = bytes.data()[behind]; };
+    EXPECT_EXIT(run(readBehind), endedBy(SIGABRT), "AddressSanitizer: .*" + words());
+    int volatile most = std::numeric_limits<int>::max();
+    auto const overflow = [&] { most = most + 1; };
+    EXPECT_EXIT(run(overflow), endedBy(SIGABRT), words());
 }
 
 } // namespace

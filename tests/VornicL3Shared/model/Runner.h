@@ -3,6 +3,7 @@
 #include "VornicL3Shared/model/Model.h"
 #include "VornicL3Shared/model/Operation.h"
 
+#include <functional>
 #include <map>
 #include <optional>
 
@@ -21,8 +22,14 @@ struct Mismatch {
     std::string what; ///< what differs, and how
 };
 
-/// What has been compared.
+/// What has been compared, and what is to be.
 struct Tally {
+    /// Whether nothing is left out: after every step the traces of `verify` are compared as well,
+    /// and each check that fails and each step that stops the process is tried in a child. So with
+    /// VORNIC_MODEL_FULL=1 in the environment, at many times the cost.
+    bool full = fullFromEnvironment();
+    std::function<void()> onStep; ///< called before the library carries a step out
+
     U64 sequences = 0;
     U64 steps = 0;
     U64 passedChecks = 0;           ///< `verify` in this process
@@ -34,12 +41,17 @@ struct Tally {
     /// of each text are, and then some.
     bool tries(std::string const& stop) {
         U64 const before = met[stop]++;
-        return before < 3 || before % 50 == 0;
+        return full || before < 3 || before % 50 == 0;
     }
+
+    static bool fullFromEnvironment();
 };
 
 /// Carries a sequence out on the library and on the model and compares after every step: the
 /// operation's result, everything that was reported, the whole state, and the outcome of `verify`.
+/// Of `verify` the traces are compared after every eighth step only. A check that fails with the
+/// text of the one that failed before it is not tried, and of the others, as of the steps that stop
+/// the process, those that the tally says.
 ///
 /// A step that stops the process, as the model says, is carried out in a child and then left out. A
 /// stop that the model does not foresee stops this process: see `runInChild`.

@@ -1,6 +1,7 @@
 #include "VornicL3Shared/model/multicast/McastModel.h"
 
 #include "VornicL3Shared/model/Campaign.h"
+#include "VornicL3Shared/model/LastWords.h"
 #include "VornicL3Shared/model/multicast/McastSubject.h"
 
 #include <gtest/gtest.h>
@@ -47,10 +48,13 @@ std::string scriptOf(McastSteps const& steps) {
 
 TEST(Model, AgreesOnMulticastRecords) {
     Effort const effort = Effort::share(5);
+    std::cout << effort.text() << std::endl;
+    LastWords lastWords;
     U64 steps = 0;
     for (U64 at = 0; at < effort.sequences; ++at) {
         U64 const seed = effort.firstSeed + at;
         McastSteps const all = mcastSteps(seed, effort.mostSteps);
+        lastWords.are("seed " + std::to_string(seed) + "\n" + scriptOf(all));
         steps += all.size();
         if (!mismatchOf(all).empty()) {
             McastSteps const small = shrunk(all);
