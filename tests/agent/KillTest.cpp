@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <filesystem>
 #include <memory>
@@ -119,11 +120,19 @@ TEST_F(Kill, AnOpenUnitLeavesNothingBehind) {
     EXPECT_EQ(found(), before);
 }
 
+/// Every third commit is acknowledged before the kill. The others are killed after a delay that
+/// closes in on the moment of the commit: longer when the last one was too short for it, shorter
+/// when it was not.
 TEST_F(Kill, AUnitWhoseCommitIsUnderWayIsThereOrNot) {
-    constexpr int rounds = 30;
-    int committed = 0;
+    constexpr int fewestRounds = 30;
+    constexpr int mostRounds = 150;
+    constexpr useconds_t longestDelay = 500'000;
+    useconds_t delay = 0;
+    int kept = 0; // of those that nobody waited for
+    int lost = 0;
     std::string before = found();
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < fewestRounds || (round < mostRounds && (kept == 0 || lost == 0));
+         ++round) {
         KillableRun run(path());
         std::string const number = std::to_string(round);
         run.write("begin\nclient add c" + number + "\n");
@@ -131,16 +140,29 @@ TEST_F(Kill, AUnitWhoseCommitIsUnderWayIsThereOrNot) {
             run.write("request c" + number + " vlan " + std::to_string(vlan) + "\n");
         }
         std::string const after = run.database();
+        std::size_t const answers = run.answers().size();
+        bool const awaited = round % 3 == 0;
         run.write("commit\n");
-        bool const acknowledged = round % 3 == 0 && run.readAnswers(run.answers().size() + 1);
-        usleep(static_cast<useconds_t>(round % 3 == 0 ? 0 : round * 50));
+        if (awaited) {
+            ASSERT_TRUE(run.readAnswers(answers + 1)) << round;
+        } else {
+            usleep(delay);
+        }
         run.kill();
+        bool const acknowledged = run.answers().size() > answers;
         std::string const now = found();
-        ASSERT_TRUE(now == after || (now == before && !acknowledged)) << round;
-        committed += now == after ? 1 : 0;
+        ASSERT_TRUE(now == after || (now == before && !acknowledged))
+            << "round " << round << ", killed after " << delay << " microseconds, "
+            << (acknowledged ? "acknowledged: " + run.answers().back() : "not acknowledged")
+            << "\nbefore: " << before << "\nafter: " << after << "\nfound: " << now;
+        if (!awaited) {
+            (now == after ? kept : lost) += 1;
+            delay = now == after ? delay / 2 : std::min(delay * 2 + 50, longestDelay);
+        }
         before = now;
     }
-    EXPECT_GE(committed, rounds / 3);
+    EXPECT_GT(kept, 0);
+    EXPECT_GT(lost, 0);
 }
 
 TEST_F(Kill, InputThatEndsWithoutCommitDropsTheUnit) {

@@ -3,9 +3,12 @@
 #include "agent/State.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <numeric>
@@ -163,19 +166,70 @@ private:
     std::string durable_;
 };
 
+/// What a life has been through, to be read after a failure.
+class History {
+public:
+    /// A run was killed, by the way in `how`, after it had given these answers to what was sent.
+    void killed(std::string const& how, Commands const& sent, Commands const& answers) {
+        text_ += "round " + std::to_string(rounds_++) + ": " + how + ", " +
+                 std::to_string(answers.size()) + " of " + std::to_string(sent.size()) +
+                 " acknowledged\n";
+        for (std::size_t at = 0; at < sent.size(); ++at) {
+            text_ += "    " + sent[at] + "  # " +
+                     (at < answers.size() ? answers[at] : "not acknowledged") + '\n';
+        }
+    }
+
+    std::string const& text() const noexcept { return text_; }
+
+private:
+    unsigned rounds_ = 0;
+    std::string text_;
+};
+
+/// Whether a child of this process has ended by itself and nobody has looked at it yet.
+bool aChildHasEnded() {
+    siginfo_t info{};
+    return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid != 0;
+}
+
 /// One state file through a life of kills.
 class RandomKill : public testing::TestWithParam<unsigned> {
 protected:
     RandomKill() : chance_(GetParam()), script_(chance_) {}
 
+    static void SetUpTestSuite() { killsBeforeTheEnd_ = 0; }
+
+    /// Kills of runs that have nothing left to do prove little.
+    static void TearDownTestSuite() {
+        EXPECT_GT(killsBeforeTheEnd_, 0u) << "all kills came after the last answer";
+    }
+
+    /// After a failure all that is needed to understand it: the commands and answers of the life,
+    /// and the files as the last kill left them.
+    void TearDown() override {
+        if (HasFailure()) {
+            std::filesystem::path const kept =
+                std::filesystem::path(testing::TempDir()) /
+                ("vpagent-kill-" + std::to_string(GetParam()) + "-" + std::to_string(::getpid()));
+            copyFiles(left_.path(), kept);
+            ADD_FAILURE() << "the life of seed " << GetParam() << ":\n"
+                          << history_.text() << "what the last kill left is kept in " << kept;
+        }
+    }
+
     std::string path() const { return (folder_.path() / "state").string(); }
 
     /// Starts a run, which must find all that was acknowledged, and what was under way as a whole
-    /// or not at all.
+    /// or not at all. Null when it does not.
     std::unique_ptr<KillableRun> nextRun() {
+        copyFiles(folder_.path(), left_.path());
         auto run = std::make_unique<KillableRun>(path());
         std::string const database = run->database();
         resolve(database);
+        if (HasFailure()) {
+            return nullptr;
+        }
         std::set<std::string> listed;
         Json const parsed = Json::parse(database); // the walk below does not keep it
         for (auto const& [name, config] : parsed.at("config").items()) {
@@ -190,14 +244,18 @@ protected:
     void resolve(std::string const& database) {
         std::size_t count = 0;
         while (count < answered_) {
-            ASSERT_TRUE(memory_.apply(sent_[count++]));
+            ASSERT_TRUE(memory_.apply(sent_[count]))
+                << "acknowledged, but ends the program in memory: " << sent_[count];
+            ++count;
         }
         std::string const acknowledged = memory_.durable();
         while (database != memory_.durable() && memory_.durable() == acknowledged &&
                count < sent_.size() && memory_.apply(sent_[count])) {
             ++count;
         }
-        ASSERT_EQ(database, memory_.durable()) << answered_ << " of " << sent_.size();
+        ASSERT_EQ(database, memory_.durable())
+            << answered_ << " of " << sent_.size() << " acknowledged, which left:\n"
+            << acknowledged;
         memory_.kill();
     }
 
@@ -206,14 +264,15 @@ protected:
         makeCommands();
         std::size_t const before = run.answers().size();
         unsigned const way = chance_.below(3);
+        std::string how;
         if (early || way == 0) {
             run.write(all());
-            wait(early ? 20000 : 8000);
+            how = "sent at once" + wait(early ? 20000 : 8000);
         } else if (way == 1) {
             run.write(all());
             run.readAnswers(before + sent_.size());
             run.endInput();
-            wait(4000);
+            how = "sent at once, answers awaited, input ended" + wait(4000);
         } else {
             std::size_t const last = chance_.below(static_cast<unsigned>(sent_.size()));
             for (std::size_t at = 0; at < last; ++at) {
@@ -221,10 +280,17 @@ protected:
                 run.readAnswers(before + at + 1);
             }
             run.write(sent_[last] + '\n');
-            wait(600);
+            sent_.resize(last + 1);
+            how = "sent one by one" + wait(600);
         }
+        bool const ended = aChildHasEnded();
         run.kill();
         answered_ = run.answers().size() - before;
+        killsBeforeTheEnd_ += !ended && answered_ < sent_.size() ? 1u : 0u;
+        auto const first = run.answers().begin() + static_cast<std::ptrdiff_t>(before);
+        history_.killed(how + (ended ? ", after it had ended" : "") +
+                            (early ? ", the run after one that was killed at once" : ""),
+                        sent_, Commands(first, run.answers().end()));
     }
 
     void makeCommands() {
@@ -242,14 +308,28 @@ protected:
         return text;
     }
 
-    void wait(unsigned microseconds) { ::usleep(chance_.below(microseconds)); }
+    /// Waits for less than so long, and says for how long.
+    std::string wait(unsigned microseconds) {
+        unsigned const chosen = chance_.below(microseconds);
+        ::usleep(chosen);
+        return ", killed after " + std::to_string(chosen) + " microseconds";
+    }
+
+    static void copyFiles(std::filesystem::path const& from, std::filesystem::path const& to) {
+        std::filesystem::remove_all(to);
+        std::filesystem::copy(from, to);
+    }
+
+    inline static unsigned killsBeforeTheEnd_ = 0; ///< while an answer was still to come
 
     TemporaryFolder folder_;
+    TemporaryFolder left_; ///< a copy of the files as the last kill left them
     Chance chance_;
     Script script_;
     Memory memory_;
     Commands sent_;
     std::size_t answered_ = 0;
+    History history_;
 };
 
 constexpr unsigned killsOfALife = 40;
@@ -272,9 +352,8 @@ std::vector<unsigned> seedsOfLives() {
 TEST_P(RandomKill, LosesNothingThatWasAcknowledged) {
     unsigned kills = 0;
     for (unsigned round = 0; round < killsOfALife; ++round) {
-        SCOPED_TRACE("seed " + std::to_string(GetParam()) + ", round " + std::to_string(round));
         auto run = nextRun();
-        if (HasFatalFailure()) {
+        if (HasFailure()) {
             return;
         }
         bool const early = chance_.oneIn(4);
@@ -287,7 +366,7 @@ TEST_P(RandomKill, LosesNothingThatWasAcknowledged) {
         ++kills;
     }
     nextRun();
-    std::cout << kills << " kills\n";
+    std::cout << "1 life, seed " << GetParam() << ": " << kills << " kills\n";
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomKill, testing::ValuesIn(seedsOfLives()));
