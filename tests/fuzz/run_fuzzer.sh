@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 #
-# Runs fuzzers, one after the other, each for the given time. Exits with 1 when any of them has found
-# something; the inputs are then in build/fuzz/findings/TARGET.
+# Runs fuzzers, one after the other, each for the given time. Exits with 1 when any of them has
+# found something; the inputs are then in build/fuzz/findings/TARGET. SIGTERM ends the fuzzer under
+# way, and the run: with 3 when nothing was found.
 #
 #   tests/fuzz/run_fuzzer.sh SECONDS [TARGET...]    the default is all targets
 #
-# Builds the preset fuzz first, unless VORNIC_FUZZERS names a folder with the programs. What is found
-# interesting on the way is kept in build/fuzz/inputs/TARGET and used by the next run;
+# Builds the preset fuzz first, unless VORNIC_FUZZERS names a folder with the programs. What is
+# found interesting on the way is kept in build/fuzz/inputs/TARGET and used by the next run;
 # VORNIC_FUZZ_FOLDER names another place for inputs, findings and logs.
 set -euo pipefail
 here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd)
@@ -36,6 +37,10 @@ TMPDIR=$(mktemp -d -p "$memory")
 export TMPDIR
 trap 'rm -rf "$TMPDIR"' EXIT
 
+cut=no
+trap 'cut=yes' TERM
+interrupted=72 # how a fuzzer exits after SIGTERM
+
 failed=()
 for target in "${targets[@]}"; do
     if [[ ! -x $programs/fuzz_$target ]]; then
@@ -55,10 +60,12 @@ for target in "${targets[@]}"; do
     end=$((SECONDS + seconds))
     executions=0
     found=no
-    while [[ $found == no ]] && ((SECONDS < end)); do
+    while [[ $found$cut == nono ]] && ((SECONDS < end)); do
         round=$((end - SECONDS < longest_round ? end - SECONDS : longest_round))
+        status=0
         "$programs/fuzz_$target" "${arguments[@]}" -max_total_time="$round" \
-            "$inputs" "$here/corpus/$target" >"$log.round" 2>&1 || found=yes
+            "$inputs" "$here/corpus/$target" >"$log.round" 2>&1 || status=$?
+        ((status == 0)) || [[ $status == "$interrupted" && $cut == yes ]] || found=yes
         count=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log.round")
         executions=$((executions + ${count:-0}))
         cat "$log.round" >>"$log"
@@ -74,5 +81,7 @@ for target in "${targets[@]}"; do
     coverage=$(grep -oE ' cov: [0-9]+ ft: [0-9]+' "$log" | tail -n 1 || true)
     rm -f "$log.begin" "$log.round"
     echo "$target: $executions inputs,$coverage, $(find "$inputs" -type f | wc -l) kept"
+    [[ $cut == no ]] || break
 done
-((${#failed[@]} == 0))
+((${#failed[@]} == 0)) || exit 1
+[[ $cut == no ]] || exit 3
