@@ -3,6 +3,7 @@
 #include "pelo/Integers.h"
 
 #include <cstddef>
+#include <cstdint>
 
 /// How much of each kind of outside data the program takes. Beyond it a reader refuses, before it
 /// has used more memory or time than the limit stands for. docs/limits.md lists them, with what is
@@ -14,6 +15,9 @@ inline constexpr std::size_t line = std::size_t{1} << 20;
 
 /// Characters of a terminal's screen, rows times columns.
 inline constexpr U32 terminal = 1'000'000;
+
+/// Bytes of the line editor's settings.
+inline constexpr std::int64_t editorSettings = std::int64_t{1} << 20;
 
 /// Bytes of a client's name, also of the name of a multicast group API.
 inline constexpr std::size_t name = 255;

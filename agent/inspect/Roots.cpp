@@ -26,7 +26,7 @@ template <auto entity> GenericValue multicastOf(Agent const& agent) {
     return GenericValue::of((agent.multicast.*entity)());
 }
 
-constexpr Root table[] = {
+constexpr Root rootTable[] = {
     {"machine", "the state machine, while it runs", machine,
      "the state machine is not running, expected 'start' before"},
     {"references", "which virtual ports are in use", recordOf<&Database::references>, ""},
@@ -45,7 +45,7 @@ constexpr Root table[] = {
 
 } // namespace
 
-std::span<Root const> roots() { return table; }
+std::span<Root const> roots() { return rootTable; }
 
 Root const* findRoot(std::string_view name) {
     auto const all = roots();

@@ -1,9 +1,10 @@
 #include "Limits.h"
-#include "agent/RunVpagent.h"
+#include "agent/MeasuredRun.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -12,9 +13,12 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace VpAgentTest {
 namespace {
@@ -22,12 +26,18 @@ namespace {
 /// The program at a terminal, as a person has it.
 class Terminal : public testing::Test {
 protected:
-    explicit Terminal(winsize const* size = nullptr)
+    /// What is added to the environment.
+    using Variables = std::vector<std::pair<char const*, std::string>>;
+
+    explicit Terminal(winsize const* size = nullptr, Variables const& variables = {})
         : process_(::forkpty(&terminal_, nullptr, nullptr, size)) {
         if (process_ == 0) {
             [[maybe_unused]] int const entered = ::chdir(folder_.path().c_str());
             ::setenv("TERM", "dumb", 1);
             ::setenv("LC_ALL", "C", 1); // the locale that knows least
+            for (auto const& [name, value] : variables) {
+                ::setenv(name, value.c_str(), 1);
+            }
             std::string const program = vpagentProgram();
             ::execl(program.c_str(), program.c_str(), nullptr);
             ::_exit(127);
@@ -61,6 +71,13 @@ protected:
         return true;
     }
 
+    /// All that is not yet done with, once the program has ended.
+    std::string const& everythingShown() {
+        while (readMore()) {
+        }
+        return shown_;
+    }
+
     /// Types once the line editor has the terminal. It shows its prompt a moment earlier, and an
     /// end of file typed in between would be the terminal's, not the editor's.
     void type(std::string_view text) const {
@@ -74,6 +91,25 @@ protected:
     /// Types at once.
     void send(std::string_view text) const {
         ASSERT_EQ(::write(terminal_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    }
+
+    /// Gives the screen another size, which sends SIGWINCH to the program.
+    void resize(unsigned short rows, unsigned short columns) const {
+        winsize const size{rows, columns, 0, 0};
+        ASSERT_EQ(::ioctl(terminal_, TIOCSWINSZ, &size), 0);
+        ASSERT_EQ(::kill(process_, SIGWINCH), 0); // whatever the size was before
+    }
+
+    /// What the program took of memory so far, at most; it must not have ended.
+    long peakMebibytes() const {
+        std::ifstream status("/proc/" + std::to_string(process_) + "/status");
+        for (std::string line; std::getline(status, line);) {
+            if (line.starts_with("VmHWM:")) {
+                return std::stol(line.substr(6)) / 1024;
+            }
+        }
+        ADD_FAILURE() << "the program has no memory";
+        return 0;
     }
 
     /// What it has shown since.
@@ -186,6 +222,138 @@ TEST_F(HugeTerminal, IsReadLikeAFile) {
     EXPECT_EQ(exitStatus(), 0);
     EXPECT_EQ(shown().find("vpagent> "), std::string::npos);
 }
+
+/// Far less than three copies of a screen beyond the limit take.
+constexpr long littleMemory = memoryIsPadded() ? 500 : 60;
+
+TEST_F(Terminal, OutlivesAScreenThatGrowsBeyondTheLimit) {
+    ASSERT_TRUE(shows("vpagent> "));
+    type("client add leaf-1\n");
+    ASSERT_TRUE(shows("vpagent> "));
+    type("echo on");
+    ASSERT_TRUE(shows("echo on"));
+    resize(65535, 65535);
+    type("ward\n"); // the line under way goes on
+    ASSERT_TRUE(shows("\nonward\r\nvpagent> "));
+    send("show clients leaf\t\n"); // no line editor, no completion
+    ASSERT_TRUE(shows("error: "));
+    ASSERT_TRUE(shows("vpagent> "));
+    send("echo \"still here\"\n");
+    ASSERT_TRUE(shows("\nstill here\r\nvpagent> "));
+    resize(30000, 30000);
+    send("echo twice\n");
+    ASSERT_TRUE(shows("\ntwice\r\nvpagent> "));
+    EXPECT_LT(peakMebibytes(), littleMemory);
+    resize(24, 80);
+    send("echo back\n"); // the last line without it
+    ASSERT_TRUE(shows("\nback\r\nvpagent> "));
+    type("show clients leaf\t\n");
+    ASSERT_TRUE(shows("\nREQUESTS OF CLIENT leaf-1"));
+    ASSERT_TRUE(shows("vpagent> "));
+    type("quit\n");
+    EXPECT_EQ(exitStatus(), 2);
+}
+
+/// A terminal whose lines the line editor breaks where the screen ends.
+class TerminalWithColumns : public Terminal {
+protected:
+    TerminalWithColumns() : Terminal(nullptr, {{"TERM", "vt100"}}) {}
+};
+
+TEST_F(TerminalWithColumns, TakesANewSizeWithTheNextPrompt) {
+    ASSERT_TRUE(shows("vpagent> "));
+    resize(24, 20);
+    type("echo a\n");
+    ASSERT_TRUE(shows("\na\r\nvpagent> "));
+    type("echo 0123456789"); // twenty characters up to the 5
+    ASSERT_TRUE(shows("echo 012345 \b6789"));
+    type("\n");
+    ASSERT_TRUE(shows("\n0123456789\r\nvpagent> "));
+    type("quit\n");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(Terminal, EndsAtTheEndOfInputAlsoWithoutTheLineEditor) {
+    ASSERT_TRUE(shows("vpagent> "));
+    resize(65535, 65535);
+    type("echo a\n");
+    ASSERT_TRUE(shows("\na\r\nvpagent> "));
+    send("\x04");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+/// A terminal without a size, of which the environment says that it is huge.
+class TerminalOfAHugeEnvironment : public Terminal {
+protected:
+    TerminalOfAHugeEnvironment()
+        : Terminal(nullptr, {{"TERM", "xterm"}, {"LINES", "30000"}, {"COLUMNS", "30000"}}) {}
+};
+
+TEST_F(TerminalOfAHugeEnvironment, IsReadLikeAFile) {
+    send("echo still\nquit\n");
+    ASSERT_TRUE(shows("\nstill\r\n"));
+    EXPECT_EQ(exitStatus(), 0);
+    EXPECT_EQ(shown().find("vpagent> "), std::string::npos);
+}
+
+/// A type of terminals that nobody named so.
+class TerminalOfAnImpossibleType : public Terminal {
+protected:
+    TerminalOfAnImpossibleType() : Terminal(nullptr, {{"TERM", "x\x1B[2J\x07"}}) {}
+};
+
+TEST_F(TerminalOfAnImpossibleType, IsReadLikeAFileAndNotShown) {
+    send("echo still\nquit\n");
+    EXPECT_EQ(exitStatus(), 0);
+    std::string const all = everythingShown();
+    EXPECT_NE(all.find("\nstill\r\n"), std::string::npos) << all;
+    EXPECT_EQ(all.find_first_of("\x1B\x07"), std::string::npos) << all;
+}
+
+/// Settings of the line editor that never end.
+class TerminalWithEndlessSettings : public Terminal {
+protected:
+    TerminalWithEndlessSettings() : Terminal(nullptr, {{"EDITRC", "/dev/zero"}}) {}
+};
+
+TEST_F(TerminalWithEndlessSettings, DoesNotReadThem) {
+    ASSERT_TRUE(shows("vpagent> "));
+    type("quit\n");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+/// A home folder with settings of the line editor, which make Ctrl-G type a word.
+template <std::size_t size> class Home {
+protected:
+    TemporaryFolder home_;
+    Home() {
+        std::string settings = "bind -s ^G agreed\n";
+        settings.resize(size, '\n');
+        home_.write(".editrc", settings);
+    }
+};
+
+template <std::size_t size> class TerminalAtHome : private Home<size>, public Terminal {
+protected:
+    TerminalAtHome() : Terminal(nullptr, {{"HOME", Home<size>::home_.path().string()}}) {}
+
+    /// Types Ctrl-G between two letters.
+    void expectEcho(std::string_view echo) {
+        ASSERT_TRUE(shows("vpagent> "));
+        type("echo a\x07z\n");
+        ASSERT_TRUE(shows(echo));
+        ASSERT_TRUE(shows("vpagent> "));
+        type("quit\n");
+        EXPECT_EQ(exitStatus(), 0);
+    }
+};
+
+using TerminalWithLongSettings = TerminalAtHome<VpAgent::Limits::editorSettings>;
+using TerminalWithTooLongSettings = TerminalAtHome<VpAgent::Limits::editorSettings + 1>;
+
+TEST_F(TerminalWithLongSettings, ReadsThem) { expectEcho("\naagreedz\r\n"); }
+
+TEST_F(TerminalWithTooLongSettings, DoesNotReadThem) { expectEcho("\naz\r\n"); }
 
 TEST_F(Terminal, GoesOnAfterAnError) {
     ASSERT_TRUE(shows("vpagent> "));
