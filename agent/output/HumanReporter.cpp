@@ -1,5 +1,6 @@
 #include "output/HumanReporter.h"
 
+#include "Limits.h"
 #include "output/Dump.h"
 #include "state/Agent.h"
 #include "text/Utf8.h"
@@ -76,6 +77,32 @@ void write(std::string& out, McastReply, Agent const& agent) {
     out += viewMulticast(agent.multicast);
 }
 
+/// Where the character begins that the byte there belongs to, or that byte when it is in none.
+std::size_t characterStart(std::string_view text, std::size_t at) noexcept {
+    constexpr std::size_t longest = 4;
+    for (std::size_t start = at; at < text.size() && at - start < longest; --start) {
+        if (utf8At(text, start).length > at - start) {
+            return start;
+        }
+        if (start == 0) {
+            break;
+        }
+    }
+    return at;
+}
+
+/// The part of a line that a message repeats: all of it, or as much around `at` as is allowed, in
+/// whole characters.
+Place quotedPart(std::string_view line, std::size_t at) {
+    if (line.size() <= Limits::quote) {
+        return {0, line.size()};
+    }
+    constexpr std::size_t before = Limits::quote / 2;
+    std::size_t const last = line.size() - Limits::quote;
+    std::size_t const from = characterStart(line, std::min(at - std::min(at, before), last));
+    return {from, characterStart(line, from + Limits::quote) - from};
+}
+
 } // namespace
 
 void HumanReporter::trace(U32 level, std::string_view text) {
@@ -119,15 +146,19 @@ void HumanReporter::refused(CommandLine const& line, Refusal const& refusal) {
 }
 
 std::string markedLine(std::string_view line, Place place, std::string_view indent) {
+    place.at = std::min(place.at, line.size());
+    Place const part = quotedPart(line, place.at);
+    bool const toEnd = part.at + part.length == line.size();
     std::string shown;
-    for (char const c : line) {
+    for (char const c : line.substr(part.at, part.length)) {
         shown += c == '\t' ? ' ' : c;
     }
-    std::size_t const at = std::min(place.at, shown.size());
-    std::size_t const end = std::min(place.at + place.length, shown.size());
-    std::string const before = printable(std::string_view(shown).substr(0, at));
+    std::size_t const at = std::min(place.at - part.at, shown.size());
+    std::size_t const end = at + std::min(place.length, shown.size() - at);
+    std::string const before =
+        std::string(part.at == 0 ? "" : "...") + printable(std::string_view(shown).substr(0, at));
     std::string const marked = printable(std::string_view(shown).substr(at, end - at));
-    std::string const after = printable(std::string_view(shown).substr(end));
+    std::string const after = printable(std::string_view(shown).substr(end)) + (toEnd ? "" : "...");
     // A place at the very end stands behind a blank, where the missing word would be.
     std::size_t const column = utf8Length(before) + (place.length == 0 ? 1 : 0);
     std::size_t const width = std::max<std::size_t>(utf8Length(marked), 1);

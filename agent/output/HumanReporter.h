@@ -27,6 +27,9 @@ private:
 ///
 ///     request bgp vlan 5000
 ///                      ^~~~
+///
+/// Of a line of more than `Limits::quote` bytes that many are shown, around where the place begins,
+/// with "..." for what is left out on either side.
 std::string markedLine(std::string_view line, Place place, std::string_view indent);
 
 } // namespace VpAgent

@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <iostream>
+#include <sstream>
 #include <string>
 
 namespace VpAgentTest {
@@ -73,6 +75,63 @@ TEST_F(InputLimits, EndlessShortLinesNeedNoMoreMemoryThanAFew) {
 
 /// The errors of a script that carries on.
 std::string errorsOf(std::string const& script) { return runVpagent({"--keep-going"}, script).err; }
+
+/// The longest line that standard error shows for a command with this word at its end.
+std::size_t longestErrorLine(std::string const& command, std::string const& word) {
+    std::istringstream lines(
+        errorsOf("client add a\nstart table-size=9\nmcast create\n" + command + word + '\n'));
+    std::size_t longest = 0;
+    for (std::string line; std::getline(lines, line);) {
+        longest = std::max(longest, line.size());
+    }
+    EXPECT_NE(longest, 0) << command;
+    return longest;
+}
+
+TEST_F(InputLimits, AnErrorRepeatsNoMoreOfALineThanOfAnyText) {
+    std::size_t const rest = 1024; // what is said around it
+    for (char const* const command : {"",
+                                      "client ",
+                                      "client add ",
+                                      "show clients ",
+                                      "put reference vlan 7 9 a ",
+                                      "put waiting efilter ",
+                                      "import ",
+                                      "inspect ",
+                                      "inspect nope/",
+                                      "inspect configs/",
+                                      "inspect references/vlanVport/",
+                                      "call ",
+                                      "call-client a ",
+                                      "call isDefaultVp ",
+                                      "mcast higig 1 ",
+                                      "ring dump /no/",
+                                      "show ring --from ",
+                                      "start ",
+                                      "help x y ",
+                                      "request a vlan ",
+                                      "request a vlan 7 ",
+                                      "quit "}) {
+        EXPECT_LE(longestErrorLine(command, std::string(900000, 'a')), Limits::quote + rest)
+            << command;
+        EXPECT_LE(longestErrorLine(command, std::string(900000, '\x1B')), 4 * Limits::quote + rest)
+            << command;
+    }
+}
+
+TEST_F(InputLimits, AnErrorRepeatsALongLineAroundThePlace) {
+    std::string const half(Limits::quote / 2, 'x');
+    std::string const indent = "    ...";
+    EXPECT_EQ(errorsOf("echo y" + half + "\x1B" + half + "z\n"),
+              "-:1: a control character (0x1B), expected printable text\n" + indent + half +
+                  "\\x1B" + half.substr(1) + "...\n" + std::string(7 + half.size(), ' ') +
+                  "^~~~\n");
+    std::string const euro = "\xE2\x82\xAC"; // cut within neither of them
+    EXPECT_EQ(errorsOf("dump " + euro + half.substr(2) + "\x01" + half.substr(3) + euro + '\n'),
+              "-:1: a control character (0x01), expected printable text\n" + indent + euro +
+                  half.substr(2) + "\\x01" + half.substr(3) + "...\n" +
+                  std::string(7 + 1 + half.size() - 2, ' ') + "^~~~\n");
+}
 
 TEST_F(InputLimits, AsManyClientsAsThereMayBe) {
     std::string const last = std::to_string(Limits::clients);
