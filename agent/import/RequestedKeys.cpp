@@ -141,8 +141,10 @@ void readVni(RequestedKeys& keys, std::string const& name, Json const& value) {
     }
 }
 
-bool hasRemoteVteps(Json const& value) {
-    return value.is_object() && value.contains("remoteVteps");
+/// Whether the value is what a switch shows of a VNI, be it that the list it counts is not there.
+bool isVni(Json const& value) {
+    return value.is_object() && (value.contains("remoteVteps") ||
+                                 (value.contains("vni") && value.contains("numRemoteVteps")));
 }
 
 } // namespace
@@ -152,12 +154,12 @@ RequestedKeys::RequestedKeys(Json const& file) {
         for (std::size_t at = 0; at < file.size(); ++at) {
             readVni(*this, '[' + std::to_string(at) + "]: ", file[at]);
         }
-    } else if (hasRemoteVteps(file)) {
+    } else if (isVni(file)) {
         readVni(*this, "", file);
     } else if (!file.is_object()) {
         throw Refusal(
             "the file is no object and no array, expected a configuration database or EVPN state");
-    } else if (std::any_of(file.begin(), file.end(), hasRemoteVteps)) {
+    } else if (std::any_of(file.begin(), file.end(), isVni)) {
         checkNames(file, [](std::string_view) { return true; });
         for (auto const& [name, value] : file.items()) {
             readVni(*this, inQuotes(name) + ": ", value);

@@ -7,6 +7,8 @@
 #include <iostream>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace VpAgentTest {
 namespace {
@@ -54,6 +56,29 @@ TEST(ImportCommand, DoesAllOrNothing) {
 {"error": "VLAN_MEMBER|Vlan0|Et1: VLAN \"Vlan0\", expected Vlan1 to Vlan4094 (column 8)", "line": 3}
 {"ok": "dump", "line": 4, "state": {"agent": {"running": false}, "pool": null, "config": {"a": {"remoteVport": [], "mlagRemoteVport": [], "edgeVport": [], "vlanVport": [], "eFilterDisableVport": []}}, "status": {"a": {"vpTableSize": 0, "vpAllocRequests": 0, "vpAllocFailures": 0, "vpFreeRequests": 0, "remoteVport": {}, "mlagRemoteVport": {}, "edgeVport": {}, "vlanVport": {}, "eFilterDisableVport": {}}}, "references": {"remoteVport": {}, "mlagRemoteVport": {}, "edgeVport": {}, "vlanVport": {}, "eFilterDisableVport": {}}, "waiting": {"remoteVport": [], "mlagRemoteVport": [], "edgeVport": [], "vlanVport": [], "eFilterDisableVport": []}, "boot": {"remoteVport": {}, "mlagRemoteVport": {}, "edgeVport": {}, "vlanVport": {}, "eFilterDisableVport": {}}}}
 )json");
+}
+
+TEST(ImportCommand, RefusesAVniThatCountsRemoteVtepsAndDoesNotListThem) {
+    TemporaryFolder const folder;
+    for (auto const& [content, where] : std::vector<std::pair<std::string, std::string>>{
+             {R"({"vni": 101, "numRemoteVteps": 3})", ""},
+             {R"([{"vni": 101, "numRemoteVteps": 3}])", "[0]: "},
+             {R"({"101": {"vni": 101, "numRemoteVteps": 3}})", R"(\"101\": )"},
+             {R"({"7": {"vni": 7, "numRemoteVteps": 0}, "101": {"vni": 101, "numRemoteVteps": 3}})",
+              R"(\"101\": )"}}) {
+        EXPECT_EQ(runJson("import " + folder.write("x.json", content) + " a\ndump\n", 2),
+                  "{\"error\": \"" + where +
+                      "VNI: numRemoteVteps 3 without remoteVteps, expected the list of them "
+                      "(column 8)\", \"line\": 1}\n");
+    }
+    for (char const* const none : {"0", "\"n/a\""}) {
+        std::string const vni = std::string(R"({"vni": 101, "numRemoteVteps": )") + none + '}';
+        for (std::string const& content : {vni, "{\"101\": " + vni + '}'}) {
+            std::string const file = folder.write("x.json", content);
+            EXPECT_EQ(runVpagent({}, "import " + file + " a\n").out,
+                      "import: client a: nothing to request\n");
+        }
+    }
 }
 
 TEST(ImportCommand, RefusesTheStateFileItself) {
