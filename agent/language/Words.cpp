@@ -132,10 +132,17 @@ void Words::checkUtf8(std::size_t from, std::size_t to) const {
 }
 
 void Words::refuseCharacter(std::size_t at) const {
-    auto const byte = static_cast<unsigned char>(line_[at]);
-    bool const utf8 = utf8At(line_, at).length != 0;
-    std::string const what = utf8 ? "a control character" : "a byte that is not UTF-8";
-    throw Refusal(what + " (" + hexByte(byte) + "), expected printable text", {at, 1});
+    std::string const expected = "), expected printable text";
+    Utf8Character const character = utf8At(line_, at);
+    std::string const byte = hexByte(static_cast<unsigned char>(line_[at]));
+    if (character.length == 0) {
+        throw Refusal("a byte that is not UTF-8 (" + byte + expected, {at, 1});
+    }
+    std::string const name =
+        character.length == 1
+            ? byte
+            : "U+00" + hexByte(static_cast<unsigned char>(character.codePoint)).substr(2);
+    throw Refusal("a control character (" + name + expected, {at, character.length});
 }
 
 std::size_t lastWordAt(std::string_view line) noexcept {

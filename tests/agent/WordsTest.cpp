@@ -96,7 +96,7 @@ TEST(Words, HoldNoControlCharacters) {
               (At{"a control character (0x00), expected printable text", 6, 1}));
     // U+009B acts as an escape on some terminals.
     EXPECT_EQ(placeOfRefusal("echo \xC2\x9B"),
-              (At{"a control character (0xC2), expected printable text", 5, 1}));
+              (At{"a control character (U+009B), expected printable text", 5, 2}));
 }
 
 TEST(Words, HoldNoBytesThatAreNotUtf8) {
