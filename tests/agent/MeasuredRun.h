@@ -5,7 +5,7 @@
 
 namespace VpAgentTest {
 
-/// A run of the program, and what it took.
+/// A run of the program, and what it took: of the program alone, however large the test is.
 struct Measured {
     Outcome outcome;
     double seconds = 0;     ///< of the processor
