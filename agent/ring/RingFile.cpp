@@ -1,6 +1,7 @@
 #include "ring/RingFile.h"
 
 #include "ring/MappedFile.h"
+#include "statefile/OwnFiles.h"
 #include "text/Utf8.h"
 
 #include <unistd.h>
@@ -121,6 +122,9 @@ void saveRing(std::span<std::byte const> ring, Word const& file) {
     std::error_code error;
     fs::path const target = fs::weakly_canonical(fs::path(file.text), error); // behind links
     fs::path const path = error ? fs::path(file.text) : target;
+    if (isStateFile(path)) {
+        refuseToWrite(file, belongsToStateFile);
+    }
     checkReplaceable(path, file);
     NewFile saved(path, file);
     saved.write(ring);

@@ -16,8 +16,9 @@ namespace VpAgent {
 Lumlog::Reader ringWithin(std::span<std::byte const> bytes, std::size_t number, Word const& file);
 
 /// Writes a ring's bytes to a file, whole or not at all. A file that is there is replaced only when
-/// it is empty or begins with a ring, as an older dump does. Throws `Refusal` with the place, and
-/// has then changed nothing.
+/// it is empty or begins with a ring, as an older dump does, and nothing is made in the place of
+/// one of the state file's companions. Throws `Refusal` with the place, and has then changed
+/// nothing.
 void saveRing(std::span<std::byte const> ring, Word const& file);
 
 } // namespace VpAgent

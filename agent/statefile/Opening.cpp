@@ -70,6 +70,25 @@ void checkJournal(fs::path const& path) {
     }
 }
 
+bool hasContent(fs::path const& path) {
+    std::error_code error;
+    auto const size = fs::file_size(path, error);
+    return !error && size != 0;
+}
+
+/// A log holds the latest commands of its file, and is nothing without it.
+void checkLog(fs::path const& path) {
+    fs::path const log(path.string() + "-wal");
+    checkCompanion(log);
+    // The log first: another program that makes both at this moment makes the file before it.
+    if (hasContent(log) && !hasContent(path)) {
+        bool const isThere = fs::exists(path);
+        throw Refusal((isThere ? "it is empty, but " : "it is not there, but ") +
+                      log.filename().string() + (isThere ? " beside it is not" : " beside it is") +
+                      ", expected both or neither");
+    }
+}
+
 /// The absolute path, without symbolic links, of a file that may be written, or made.
 fs::path checkedPath(fs::path const& path) {
     std::error_code error;
@@ -92,15 +111,9 @@ fs::path checkedPath(fs::path const& path) {
         throw Refusal(std::string("no file can be made in its folder (") + std::strerror(errno) +
                       "), expected a folder that may be written");
     }
-    checkCompanion(resolved.string() + "-wal");
+    checkLog(resolved);
     checkJournal(resolved);
     return resolved;
-}
-
-bool hasContent(fs::path const& path) {
-    std::error_code error;
-    auto const size = fs::file_size(path, error);
-    return !error && size != 0;
 }
 
 void checkNumbers(U32 application, U32 version) {
@@ -168,14 +181,21 @@ OpenFile::OpenFile(fs::path const& path, U64 largest)
     : path_(checkedPath(path)),
       log_(path_.string() + "-wal"),
       largest_(largest),
+      wasThere_(fs::exists(path_)),
       connection_(path_.string()),
       guard_(log_) {
     connection_.keepLogAtClose(true);
-    checkSizes();
-    if (checkHeader(connection_)) {
-        makeIfEmpty();
+    try {
+        checkSizes();
+        if (checkHeader(connection_)) {
+            makeIfEmpty();
+        }
+        lock();
+    } catch (...) {
+        checkInPlace(); // a file that was taken away fails in any way
+        takeBack();
+        throw;
     }
-    lock();
     checkContent();
 }
 
@@ -196,18 +216,70 @@ void OpenFile::checkSizes() const {
 /// In one transaction, which a rollback journal guards. Reading takes back what a run wrote that
 /// was cut off while it made the file.
 void OpenFile::makeIfEmpty() {
-    if (!hasContent(path_) && hasContent(log_)) {
-        throw Refusal("it is empty, but " + log_.filename().string() +
-                      " beside it is not, expected both or neither");
-    }
     if (connection_.number("PRAGMA page_count") != 0) {
         return;
     }
     connection_.run("BEGIN EXCLUSIVE");
+    checkInPlace();
     if (connection_.number("SELECT count(*) FROM sqlite_schema") == 0) {
         makeTables(connection_);
     }
     connection_.run("COMMIT");
+}
+
+/// Another program may have removed the file that it made, after we opened it; whoever removes it
+/// has it locked. What is at its path now is another file.
+void OpenFile::checkInPlace() {
+    int moved = 0;
+    sqlite3_file_control(connection_.handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+    if (moved != 0) {
+        throw SqliteError(connection_.handle(), SQLITE_BUSY); // so that it is tried again
+    }
+}
+
+/// After the making failed, which left the file as empty as it was. It is removed under the lock;
+/// which goes with the connection; where it cannot be had, the empty file stays.
+void OpenFile::takeBack() noexcept {
+    if (wasThere_) {
+        return;
+    }
+    try {
+        if (sqlite3_get_autocommit(connection_.handle()) == 0) {
+            connection_.run("ROLLBACK");
+        }
+        // SQLite's own ways to the lock write to the disk, which may be full.
+        sqlite3_file* file = nullptr;
+        sqlite3_file_control(connection_.handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+        if (file->pMethods->xLock(file, SQLITE_LOCK_SHARED) != SQLITE_OK ||
+            file->pMethods->xLock(file, SQLITE_LOCK_EXCLUSIVE) != SQLITE_OK) {
+            return;
+        }
+        checkInPlace();
+        if (!hasContent(path_)) {
+            removeFiles();
+        }
+    } catch (std::exception const&) { // the reason why the making failed is what is told
+    }
+}
+
+void OpenFile::discard() noexcept {
+    if (wasThere_) {
+        return;
+    }
+    try {
+        removeFiles();
+    } catch (std::exception const&) { // as above
+    }
+}
+
+/// A journal that is there is ours, as `checkJournal` saw none. A link was there before, whatever
+/// it leads to.
+void OpenFile::removeFiles() {
+    if (!fs::is_symlink(path_)) {
+        fs::remove(path_.string() + "-journal");
+        fs::remove(log_);
+        fs::remove(path_);
+    }
 }
 
 void OpenFile::lock() {
@@ -221,6 +293,7 @@ void OpenFile::lock() {
         throw;
     }
     guard_.activate();
+    checkInPlace();
     // Nothing is written but the file and its log, and to the log only at a commit.
     connection_.run("PRAGMA temp_store = MEMORY; PRAGMA cache_spill = OFF");
     U64 const pages = largest_ / connection_.number("PRAGMA page_size");
@@ -246,6 +319,7 @@ void OpenFile::accept() {
     if (connection_.text("PRAGMA journal_mode = WAL") != "wal") {
         throw Refusal("it cannot have a write-ahead log, expected a file on a local disk");
     }
+    checkInPlace();
 }
 
 OpenFile openAlone(fs::path const& path, U64 largest) {

@@ -13,7 +13,8 @@ namespace VpAgent {
 /// It has at most `largest` bytes, and never gets larger; its log has at most twice as many.
 ///
 /// Until `accept` the file stays byte for byte as it is, and nothing is left beside it; but a file
-/// that is not there or empty is made new. The constructor throws `Refusal`, `SqliteError` or
+/// that is not there or empty is made new. A file that was not there is removed when its making
+/// fails, under the lock of whoever removes it. The constructor throws `Refusal`, `SqliteError` or
 /// `Damage`, none of which names the file. While two programs open a file at once, either may be
 /// told that it is busy though neither gets it; `openAlone` tries again.
 ///
@@ -29,6 +30,10 @@ public:
     /// The rows are good as well: from now on the file may be written. Gives it a write-ahead log,
     /// which `WriteAheadLog` has to begin.
     void accept();
+
+    /// Removes a file that was not there before, with its log, after `accept` or what follows it
+    /// failed. No row may be in it.
+    void discard() noexcept;
 
 private:
     /// Removes the empty log that reading makes under our lock, unless it was there before.
@@ -50,12 +55,16 @@ private:
 
     void checkSizes() const;
     void makeIfEmpty();
+    void checkInPlace();
+    void takeBack() noexcept;
+    void removeFiles();
     void lock();
     void checkContent();
 
     std::filesystem::path path_;
     std::filesystem::path log_;
     U64 largest_;
+    bool wasThere_;
     Connection connection_;
     LogGuard guard_;
 };

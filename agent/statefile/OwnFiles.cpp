@@ -19,6 +19,14 @@ fs::path resolved(fs::path const& path) {
     return error ? path : target;
 }
 
+/// Whether a path is another one or, so that the other would have to be a folder, goes through it.
+bool isAtOrBelow(fs::path path, fs::path const& other) {
+    while (path != other && path.has_relative_path()) {
+        path = path.parent_path();
+    }
+    return path == other;
+}
+
 } // namespace
 
 OwnFiles::OwnFiles(std::optional<std::string> const& stateFile) {
@@ -31,9 +39,10 @@ OwnFiles::OwnFiles(std::optional<std::string> const& stateFile) {
 OwnFiles::~OwnFiles() { ownFiles.clear(); }
 
 bool isStateFile(fs::path const& path) {
+    fs::path const target = resolved(path);
     return std::any_of(ownFiles.begin(), ownFiles.end(), [&](fs::path const& own) {
         std::error_code error; // what is not there is not the same file
-        return fs::equivalent(own, path, error) || resolved(path) == own;
+        return fs::equivalent(own, path, error) || isAtOrBelow(target, own);
     });
 }
 

@@ -11,7 +11,9 @@ namespace VpAgent {
 ///
 /// Nothing but SQLite may open them. The kernel drops the locks that a process holds on a file as
 /// soon as the process closes any descriptor of it, and a second program could then write the file
-/// as well. So whoever opens a file that a user names asks `isStateFile` first.
+/// as well. Nor may anybody make a file or a folder in the place of one that is not there yet: the
+/// next run would take it for its own, or be refused. So whoever opens or makes what a user names
+/// asks `isStateFile` first.
 ///
 /// The locks are those of the process, and so is this: at most one object lives at a time.
 class OwnFiles {
@@ -23,7 +25,8 @@ public:
     OwnFiles& operator=(OwnFiles const&) = delete;
 };
 
-/// Whether a path leads to one of those files: by its name, or through links of either kind.
+/// Whether a path leads to one of those files, also one that is not there, or to anything below it:
+/// by its name, or through links of either kind.
 bool isStateFile(std::filesystem::path const& path);
 
 /// Why such a file is refused, for messages.

@@ -45,8 +45,15 @@ StateFile::StateFile(std::filesystem::path const& path, Database& database, U64 
       writer_(file_.connection(), loaded_.firstFreePosition),
       begin_(file_.connection(), "BEGIN IMMEDIATE"),
       end_(file_.connection(), "COMMIT") {
-    file_.accept();
-    log_.begin();
+    try {
+        file_.accept();
+        log_.begin();
+    } catch (...) {
+        if (loaded_.firstFreePosition == 1) { // no row was ever there
+            file_.discard();
+        }
+        throw;
+    }
 }
 
 bool StateFile::commit() {

@@ -39,7 +39,8 @@ public:
     /// `database`, which is empty and must outlive this.
     ///
     /// Throws `Refusal` when the file is of another kind, of another version, damaged, larger than
-    /// `largest` bytes, in use by another program, or not to be written. It is then untouched; the
+    /// `largest` bytes, in use by another program, or not to be written. It is then untouched, and
+    /// one that was not there is not there either unless its disk takes no more removals; the
     /// database may be half filled.
     static std::unique_ptr<StateFile> open(std::filesystem::path const& path, Database& database,
                                            U64 largest = Limits::stateFile);

@@ -200,8 +200,14 @@ TEST_F(Damage, ALogWithoutItsFileIsRefused) {
     fs::path const log = path_.string() + "-wal";
     writeBytes(log, "something");
     EXPECT_THAT(openedFile(path_).refusal,
+                HasSubstr("it is not there, but state-wal beside it is, expected both or neither"));
+    EXPECT_EQ(bytesOf(log), "something");
+    EXPECT_EQ(names(), "state-wal");
+    writeBytes(path_, "");
+    EXPECT_THAT(openedFile(path_).refusal,
                 HasSubstr("it is empty, but state-wal beside it is not, expected both or neither"));
     EXPECT_EQ(bytesOf(log), "something");
+    EXPECT_EQ(names(), "state state-wal");
 }
 
 /// The user's rights are those of the file's owner, or less.
