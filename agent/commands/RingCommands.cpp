@@ -8,6 +8,7 @@
 #include "ring/MappedFile.h"
 #include "ring/RingFile.h"
 #include "state/Agent.h"
+#include "statefile/OwnFiles.h"
 #include "text/Utf8.h"
 
 #include <algorithm>
@@ -44,6 +45,11 @@ RingReport listing(Lumlog::Reader& reader, RingOptions const& options) {
 }
 
 RingReport written(Lumlog::Reader& reader, Word const& directory) {
+    if (isStateFile(directory.text)) {
+        throw Refusal("cannot write a trace to " + inQuotes(directory.text) + " (" +
+                          belongsToStateFile + "), expected an empty folder or a new name",
+                      directory.place());
+    }
     RingTrace trace;
     trace.directory = directory.text;
     try {

@@ -178,6 +178,12 @@ TEST_F(Refused, NoRingIsWrittenInThePlaceOfACompanion) {
             EXPECT_THAT(outcome.err, HasSubstr("cannot write \"" + name +
                                                "\" (it belongs to the state file in use)"));
             EXPECT_EQ(names(), (Names{"link", "state"}));
+            Outcome const trace =
+                runVpagent({"--state", path_.string()}, "show ring --ctf " + name);
+            EXPECT_EQ(trace.status, 2);
+            EXPECT_THAT(trace.err, HasSubstr("cannot write a trace to \"" + name +
+                                             "\" (it belongs to the state file in use)"));
+            EXPECT_EQ(names(), (Names{"link", "state"}));
             fs::remove(path_);
         }
     }
