@@ -223,8 +223,8 @@ TEST_F(HugeTerminal, IsReadLikeAFile) {
     EXPECT_EQ(shown().find("vpagent> "), std::string::npos);
 }
 
-/// Far less than three copies of a screen beyond the limit take.
-constexpr long littleMemory = memoryIsPadded() ? 500 : 60;
+/// Mebibytes: far less than three copies of a screen beyond the limit take.
+constexpr long littleForAScreen = memoryIsPadded() ? 500 : 60;
 
 TEST_F(Terminal, OutlivesAScreenThatGrowsBeyondTheLimit) {
     ASSERT_TRUE(shows("vpagent> "));
@@ -243,7 +243,7 @@ TEST_F(Terminal, OutlivesAScreenThatGrowsBeyondTheLimit) {
     resize(30000, 30000);
     send("echo twice\n");
     ASSERT_TRUE(shows("\ntwice\r\nvpagent> "));
-    EXPECT_LT(peakMebibytes(), littleMemory);
+    EXPECT_LT(peakMebibytes(), littleForAScreen);
     resize(24, 80);
     send("echo back\n"); // the last line without it
     ASSERT_TRUE(shows("\nback\r\nvpagent> "));
@@ -292,7 +292,7 @@ protected:
 TEST_F(TerminalOfAHugeEnvironment, IsReadLikeAFile) {
     send("echo still\n");
     ASSERT_TRUE(shows("\nstill\r\n"));
-    EXPECT_LT(peakMebibytes(), littleMemory);
+    EXPECT_LT(peakMebibytes(), littleForAScreen);
     send("quit\n");
     EXPECT_EQ(exitStatus(), 0);
     EXPECT_EQ(shown().find("vpagent> "), std::string::npos);
