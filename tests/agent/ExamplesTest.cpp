@@ -1,13 +1,12 @@
 #include "agent/KillableRun.h"
 #include "agent/RunVpagent.h"
 #include "agent/State.h"
+#include "support/FileBytes.h"
 #include "support/Places.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -16,9 +15,9 @@ namespace VpAgentTest {
 namespace {
 
 std::string example(std::string const& name) {
-    std::ifstream file(Support::sourceFolder() + "/examples/" + name);
-    EXPECT_TRUE(file.is_open()) << name;
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::string script = Support::bytesOf(Support::sourceFolder() + "/examples/" + name);
+    EXPECT_NE(script, "") << name;
+    return script;
 }
 
 TEST(LeafSwitch, FitsWithEveryRequestServed) {

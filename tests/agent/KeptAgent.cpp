@@ -2,8 +2,6 @@
 
 #include "output/Dump.h"
 
-#include <fstream>
-#include <iterator>
 #include <map>
 
 namespace VpAgentTest {
@@ -42,11 +40,6 @@ Opened openedFile(std::filesystem::path const& path) {
     } catch (Refusal const& refusal) {
         return {refusal.what(), ""};
     }
-}
-
-std::string bytesOf(std::filesystem::path const& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 } // namespace VpAgentTest

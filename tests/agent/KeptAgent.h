@@ -2,6 +2,7 @@
 
 #include "state/Agent.h"
 #include "statefile/StateFile.h"
+#include "support/FileBytes.h"
 
 #include <filesystem>
 #include <memory>
@@ -53,7 +54,6 @@ struct Opened {
 
 Opened openedFile(std::filesystem::path const& path);
 
-/// The bytes of a file; empty when there is none.
-std::string bytesOf(std::filesystem::path const& path);
+using Support::bytesOf;
 
 } // namespace VpAgentTest

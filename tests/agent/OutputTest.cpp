@@ -1,13 +1,12 @@
 #include "output/Output.h"
 
 #include "agent/RunVpagent.h"
+#include "support/FileBytes.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 namespace VpAgent {
@@ -34,10 +33,7 @@ protected:
         ::close(opened);
     }
 
-    std::string content(std::string const& name) const {
-        std::ifstream file(path(name));
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string content(std::string const& name) const { return Support::bytesOf(path(name)); }
 
 private:
     VpAgentTest::TemporaryFolder folder_;

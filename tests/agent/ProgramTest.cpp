@@ -1,4 +1,5 @@
 #include "agent/RunVpagent.h"
+#include "support/FileBytes.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -6,8 +7,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -241,8 +240,7 @@ TEST(Options, TakeScriptNamesInBrackets) {
         std::string const command = "cd " + folder.path().string() + " && exec " +
                                     vpagentProgram() + " " + scripts + " > out < /dev/null";
         EXPECT_EQ(std::system(command.c_str()), 0) << scripts;
-        std::ifstream file(out);
-        return std::string{std::istreambuf_iterator<char>(file), {}};
+        return Support::bytesOf(out);
     };
     EXPECT_EQ(runs("'[x]'"), "brackets\n");
     EXPECT_EQ(runs("'{}'"), "braces\n");

@@ -2,6 +2,7 @@
 #include "agent/RingScripts.h"
 #include "agent/RunVpagent.h"
 #include "lumlog/RingFormat.h"
+#include "support/FileBytes.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -159,9 +160,9 @@ TEST_F(RingFile, IsReplacedByADumpOnlyWhenItIsOne) {
               '"' + path("text") +
                   "\" is there and no dump of a ring buffer, expected one or a "
                   "new name (column 11)");
-    EXPECT_EQ(readAll(path("text")), "mine");
+    EXPECT_EQ(Support::bytesOf(path("text")), "mine");
     EXPECT_NE(errorOf("", "ring dump " + path("core")), "no error");
-    EXPECT_EQ(readAll(path("core")), "x" + ring);
+    EXPECT_EQ(Support::bytesOf(path("core")), "x" + ring);
     EXPECT_EQ(errorOf("", "ring dump " + path("folder")),
               "cannot read \"" + path("folder") +
                   "\" (a folder), expected a readable file (column 11)");
@@ -200,7 +201,7 @@ TEST_F(RingFile, ThatGrowsBeyondTheLargestSizeIsNotLeftAndTheFormerOneStays) {
                   std::string::npos)
             << outcome.err;
     }
-    EXPECT_TRUE(readAll(path("ring")) == former);
+    EXPECT_TRUE(Support::bytesOf(path("ring")) == former);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), {}), 1);
 }
 

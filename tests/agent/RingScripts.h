@@ -1,12 +1,11 @@
 #pragma once
 
 #include "agent/State.h"
+#include "support/FileBytes.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,11 +47,6 @@ inline std::vector<std::string> ringTexts(Json const& answer) {
     return texts;
 }
 
-inline std::string readAll(std::string const& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// The files of a test, by their names.
 class RingFiles : public testing::Test {
 protected:
@@ -61,7 +55,7 @@ protected:
     /// Writes the ring that a script leaves to a file and returns the file's bytes.
     std::string dumpOf(std::string const& script, std::string_view name) const {
         textOf(script + "ring dump " + path(name) + '\n');
-        return readAll(path(name));
+        return Support::bytesOf(path(name));
     }
 
     TemporaryFolder folder_;

@@ -1,5 +1,6 @@
 #include "agent/RingScripts.h"
 #include "lumlog/RingFormat.h"
+#include "support/FileBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -133,7 +134,7 @@ TEST_F(RingTrace, IsReadByBabeltraceRecordByRecord) {
 TEST_F(RingTrace, IsMadeOfARingInAFileToo) {
     std::vector<Json> const lines =
         jsonLines(allKinds + ("show ring\nmessage\nring dump " + path("ring") + '\n'));
-    folder_.write("core", std::string(12345, 'x') + readAll(path("ring")));
+    folder_.write("core", std::string(12345, 'x') + Support::bytesOf(path("ring")));
     std::string const show = "show ring --from " + path("core") + " --ctf ";
     Json const written = lastJson(show + path("trace"));
     expectTrace("trace", lines[lines.size() - 3].at("ring"),
@@ -143,8 +144,8 @@ TEST_F(RingTrace, IsMadeOfARingInAFileToo) {
     EXPECT_EQ(textOf(show + path("again")),
               "ring buffer: " + std::to_string(written.at("records").get<int>()) +
                   " records written to \"" + path("again") + "\"\n");
-    EXPECT_EQ(readAll(path("again/stream")), readAll(path("trace/stream")));
-    EXPECT_EQ(readAll(path("again/metadata")), readAll(path("trace/metadata")));
+    EXPECT_EQ(Support::bytesOf(path("again/stream")), Support::bytesOf(path("trace/stream")));
+    EXPECT_EQ(Support::bytesOf(path("again/metadata")), Support::bytesOf(path("trace/metadata")));
 }
 
 TEST_F(RingTrace, HoldsOnlyTheLastRecordsWhenTheseAreAskedFor) {

@@ -19,7 +19,6 @@
 #include <exception>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -45,11 +44,6 @@ std::string scriptOf(std::size_t count) {
         script += commands[at] + "\necho done\n";
     }
     return script;
-}
-
-std::string contentOf(std::string const& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 class WithoutMemory : public testing::Test {
@@ -100,7 +94,7 @@ protected:
     }
 
     void expectOrderlyEnd(int status) const {
-        std::string const err = contentOf(path("err"));
+        std::string const err = bytesOf(path("err"));
         if (status == -SIGABRT) {
             EXPECT_NE(err.find("vpagent: ended"), err.npos) << err;
         } else if (status == VpAgent::failureStatus) {
@@ -113,7 +107,7 @@ protected:
 
     /// The file holds what was acknowledged, and at most one command more.
     void expectKept(int status) const {
-        std::string const out = contentOf(path("out"));
+        std::string const out = bytesOf(path("out"));
         auto const done = static_cast<std::size_t>(std::count(out.begin(), out.end(), '\n'));
         std::size_t const last = std::min(done + 1, commands.size());
         EXPECT_TRUE(status != 0 || done == commands.size()) << out;
@@ -145,7 +139,7 @@ U32 step() {
 TEST_F(WithoutMemory, EveryAllocationEndsInAnErrorOrAMessage) {
     ASSERT_EQ(run(0, Shortage::momentary), 0);
     expectKept(0);
-    U32 const count = static_cast<U32>(std::stoul(contentOf(path("count"))));
+    U32 const count = static_cast<U32>(std::stoul(bytesOf(path("count"))));
     std::array<U32, 3> ways{};
     for (U32 failing = 1; failing <= count && !HasFailure(); failing += step()) {
         SCOPED_TRACE("allocation " + std::to_string(failing));

@@ -1,4 +1,5 @@
 #include "agent/RunVpagent.h"
+#include "support/FileBytes.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -9,8 +10,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 
@@ -21,11 +20,6 @@ namespace {
 int statusInShell(std::string const& command) {
     int const status = std::system(("exec " + vpagentProgram() + " " + command).c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-std::string contentOf(std::string const& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 class ClosedStreams : public testing::Test {
@@ -43,22 +37,22 @@ protected:
 TEST_F(ClosedStreams, AScriptIsNotReadAsStandardInputToo) {
     std::string const files = " > " + out_ + " 2> " + err_ + " <&-";
     EXPECT_EQ(statusInShell("-" + files), 2);
-    EXPECT_EQ(contentOf(out_), "");
-    EXPECT_EQ(contentOf(err_), refusal_);
+    EXPECT_EQ(Support::bytesOf(out_), "");
+    EXPECT_EQ(Support::bytesOf(err_), refusal_);
     EXPECT_EQ(statusInShell(script_ + files), 0);
-    EXPECT_EQ(contentOf(out_), "one\n");
+    EXPECT_EQ(Support::bytesOf(out_), "one\n");
     EXPECT_EQ(statusInShell(script_ + " -" + files), 2);
-    EXPECT_EQ(contentOf(out_), "one\n");
-    EXPECT_EQ(contentOf(err_), refusal_);
+    EXPECT_EQ(Support::bytesOf(out_), "one\n");
+    EXPECT_EQ(Support::bytesOf(err_), refusal_);
 }
 
 TEST_F(ClosedStreams, OutputThatIsLostIsAnError) {
     EXPECT_EQ(statusInShell(script_ + " < /dev/null 2> " + err_ + " >&-"), 2);
-    EXPECT_EQ(contentOf(err_), "");
+    EXPECT_EQ(Support::bytesOf(err_), "");
     EXPECT_EQ(statusInShell("--help 2> " + err_ + " >&-"), 2);
     std::string const faulty = folder_.write("faulty.vp", "echo one\nnonsense\n");
     EXPECT_EQ(statusInShell(faulty + " < /dev/null > " + out_ + " 2>&-"), 2);
-    EXPECT_EQ(contentOf(out_), "one\n");
+    EXPECT_EQ(Support::bytesOf(out_), "one\n");
 }
 
 TEST_F(ClosedStreams, LeaveAStateFileWhole) {

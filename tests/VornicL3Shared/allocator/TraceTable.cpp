@@ -1,8 +1,8 @@
 #include "VornicL3Shared/allocator/TraceTable.h"
 
+#include "support/FileBytes.h"
+
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <regex>
 #include <sstream>
@@ -10,14 +10,6 @@
 
 namespace Test {
 namespace {
-
-std::string contentOf(std::filesystem::path const& path) {
-    std::ifstream file(path);
-    if (!file) {
-        throw std::runtime_error("cannot read " + path.string());
-    }
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 /// The cells of a row, or nothing when the line is no row of a trace.
 std::vector<std::string> cellsOf(std::string const& line) {
@@ -97,7 +89,7 @@ U32 lineAt(std::string const& text, std::size_t at) {
 } // namespace
 
 TraceTable::TraceTable(std::filesystem::path const& page) {
-    std::istringstream lines(contentOf(page));
+    std::istringstream lines(Support::bytesOf(page));
     for (std::string line; std::getline(lines, line);) {
         if (auto const cells = cellsOf(line); !cells.empty()) {
             rows_.push_back(rowOf(cells));
@@ -181,7 +173,7 @@ std::vector<TraceStatement> traceStatements(std::filesystem::path const& folder)
         if (entry.path().extension() != ".cpp") {
             continue;
         }
-        std::string const text = contentOf(entry.path());
+        std::string const text = Support::bytesOf(entry.path());
         for (std::sregex_iterator it(text.begin(), text.end(), begin); it != std::sregex_iterator();
              ++it) {
             auto const from = static_cast<std::size_t>(it->position());

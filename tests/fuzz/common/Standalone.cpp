@@ -6,6 +6,7 @@
 // An input that ends the process is kept in the working folder, and named on standard error.
 
 #include "common/Input.h"
+#include "support/FileBytes.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -15,8 +16,6 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <random>
 #include <string>
@@ -163,9 +162,7 @@ std::vector<std::string> filesOf(std::filesystem::path const& folder) {
     std::sort(paths.begin(), paths.end());
     std::vector<std::string> contents;
     for (auto const& path : paths) {
-        std::ifstream file(path, std::ios::binary);
-        contents.emplace_back(std::istreambuf_iterator<char>(file),
-                              std::istreambuf_iterator<char>());
+        contents.push_back(Support::bytesOf(path));
     }
     return contents;
 }

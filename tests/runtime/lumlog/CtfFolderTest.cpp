@@ -1,5 +1,6 @@
 #include "RingFixture.h"
 #include "lumlog/CtfWriter.h"
+#include "support/FileBytes.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -8,7 +9,6 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <system_error>
 
@@ -76,10 +76,8 @@ protected:
     std::map<std::string, std::string> content() const {
         std::map<std::string, std::string> all;
         for (fs::directory_entry const& entry : fs::recursive_directory_iterator(folder_)) {
-            std::ifstream file(entry.path(), std::ios::binary);
             all[fs::relative(entry.path(), folder_).string()] =
-                entry.is_directory() ? "(folder)"
-                                     : std::string{std::istreambuf_iterator<char>(file), {}};
+                entry.is_directory() ? "(folder)" : Support::bytesOf(entry.path());
         }
         return all;
     }

@@ -2,6 +2,7 @@
 
 #include "RingFixture.h"
 #include "lumlog/RingFormat.h"
+#include "support/FileBytes.h"
 #include "support/Random.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +11,6 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <map>
 
 namespace Lumlog {
@@ -62,8 +62,7 @@ TEST_F(ReaderTest, ReadsAFileOfTheBytes) {
         file.write(reinterpret_cast<char const*>(bytes.data()),
                    static_cast<std::streamsize>(bytes.size()));
     }
-    std::ifstream file(path, std::ios::binary);
-    std::string const loaded{std::istreambuf_iterator<char>(file), {}};
+    std::string const loaded = Support::bytesOf(path);
     std::remove(path.c_str());
     EXPECT_EQ(Reader(std::as_bytes(std::span(loaded))).rest(), original_);
 }
