@@ -79,10 +79,8 @@ VpIndexAllocatorDirSm::vpIndexAllocatorIs(VpIndexAllocatorDirSm* vpIndexAllocato
                          vpReference.get(), vfiForwarding);
         return existing;
     }
-    // A subscriber of the records may drop the last pointer.
-    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(this);
     Pelo::Ptr<VpIndexAllocator> created;
-    handlerTurns_.run([&] { // its sweep is one turn: it is listed before the next change is handled
+    inTurn([&] { // its sweep is one turn: it is listed before the next change is handled
         created = VpIndexAllocator::VpIndexAllocatorIs(vpIndexAllocatorDirSm, vpIndexConfig,
                                                        vpIndexStatus, vpReference, vfiForwarding);
         vpIndexAllocator_.newMember(vpIndexConfig->name(), created);
@@ -103,15 +101,13 @@ void VpIndexAllocatorDirSm::vpIndexConfigDirDispatch(Pelo::Publisher*, Pelo::Sub
     if (field != VpIndexConfigDir::entriesField || self.isZombie()) {
         return;
     }
-    // A subscriber of the records may drop the last pointer.
-    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(&self);
     Pelo::runNoThrow([&] { self.reactToConfig(*static_cast<Pelo::String const*>(key)); });
 }
 
 /// Handles a changed entry, or leaves it until the running handler is done.
 void VpIndexAllocatorDirSm::reactToConfig(Pelo::String const& name) {
     if (!handlerTurns_.running()) {
-        handlerTurns_.run([&] { handleVpIndexConfig(name); });
+        inTurn([&] { handleVpIndexConfig(name); });
         return;
     }
     handlerTurns_.leave(this, [this, name] {

@@ -9,8 +9,7 @@ namespace VornicCentral {
 
 void VpIndexAllocatorDirSm::reconcile() {
     VP_TRACE(entryLevel, "reconcile");
-    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(this);
-    handlerTurns_.run([this] {
+    inTurn([this] {
         if (vpReference_) {
             recoverFromReferences();
         }

@@ -15,11 +15,10 @@ constexpr char const* signature =
 
 /// A change that is left may withdraw the very key that would take the index, so it goes first.
 void VpIndexAllocatorDirSm::recycleOrFreeVpIndex(U32 vpIndex) {
-    Pelo::Ptr<VpIndexAllocatorDirSm> const self(this);
     if (handlerTurns_.somethingLeft()) {
         handlerTurns_.leaveRelease([this, vpIndex] { recycleOrFree(vpIndex); });
     } else {
-        handlerTurns_.run([&] { self->recycleOrFree(vpIndex); });
+        inTurn([this, vpIndex] { recycleOrFree(vpIndex); });
     }
 }
 

@@ -7,11 +7,10 @@ namespace VornicCentral {
 
 /// A handler that is running may hold a copy of a reference that is stale as yet, so it goes first.
 void VpIndexAllocatorDirSm::clearStaleEntries() {
-    Pelo::Ptr<VpIndexAllocatorDirSm> const self(this);
     if (handlerTurns_.running()) {
         handlerTurns_.leave(this, [this] { clearAllKinds(); });
     } else {
-        handlerTurns_.run([&self] { self->clearAllKinds(); });
+        inTurn([this] { clearAllKinds(); });
     }
 }
 

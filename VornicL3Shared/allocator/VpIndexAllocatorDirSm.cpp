@@ -79,8 +79,7 @@ void VpIndexAllocatorDirSm::handleInitialized() {
     for (U32 vpIndex = 0; vpIndex < maxSystemSourceVp_; ++vpIndex) {
         setVpBitmap(vpIndex);
     }
-    Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(this);
-    handlerTurns_.run([this] {
+    inTurn([this] {
         reconcile(); // before any allocator exists, so that none takes an index that a recovered
                      // virtual port holds
         handleVpIndexConfig();

@@ -254,6 +254,13 @@ private:
 
     friend class VpIndexAllocator; // whose handlers take their turns with the state machine's
 
+    /// Runs a handler in its turn. A subscriber of the records may drop the last pointer to the
+    /// state machine meanwhile: it stays until the handler, and what was left to it, is done.
+    template <class Handler> VORNICL3SHARED_LOCAL void inTurn(Handler const& handler) {
+        Pelo::Ptr<VpIndexAllocatorDirSm> const untilDone(this);
+        handlerTurns_.run(handler);
+    }
+
     template <class Kind> VORNICL3SHARED_LOCAL void handleInvalidKey(typename Kind::Key const& key);
     template <class Kind> VORNICL3SHARED_LOCAL void handleInvalidAll();
     void recycleOrFree(U32 vpIndex);

@@ -108,6 +108,11 @@ TEST_F(FullMessage, CutsANameThatIsLongerThanTheBuffer) {
               Lines{full("vxlan edge port: " + std::string(110, 'e'))});
 }
 
+TEST_F(FullMessage, TakesOfANameWhatStandsBeforeAZero) {
+    EXPECT_EQ(logsOf(efilter(std::string("Et1\0/2", 6))),
+              Lines{full("eFilterDisable intf Et1 svp")});
+}
+
 TEST_F(FullMessage, TakesAPercentSignInANameAsItIs) {
     EXPECT_EQ(logsOf(efilter("%s%n")), Lines{full("eFilterDisable intf %s%n svp")});
 }

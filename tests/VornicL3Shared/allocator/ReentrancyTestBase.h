@@ -45,6 +45,22 @@ protected:
         this->world.capture.forget();
     }
 
+    /// Drops the last pointer to the state machine, within a handler's notification. It stays, and
+    /// watches the references, until the handler is done.
+    void dropStateMachine() {
+        auto const watchers = [this] {
+            return this->world.references->publisher()->subscriberCount();
+        };
+        U32 const before = watchers();
+        this->world.stop();
+        EXPECT_EQ(watchers(), before);
+        watchersLeft_ = before - 1;
+    }
+    /// That a dropped state machine went in the end.
+    void expectGone() const {
+        EXPECT_EQ(this->world.references->publisher()->subscriberCount(), watchersLeft_);
+    }
+
     void expectState(std::string const& text) const {
         EXPECT_EQ(this->state(), this->filled(text));
     }
@@ -55,6 +71,9 @@ protected:
     }
 
     std::vector<std::unique_ptr<Listener>> listeners;
+
+private:
+    U32 watchersLeft_ = 0;
 };
 
 } // namespace Test

@@ -34,7 +34,8 @@ TYPED_TEST(ReentrantRemoval, AnAllocatorCanBeRemovedBeforeAChangeThatItWasLeft) 
 }
 
 TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWithinAnAddition) {
-    this->requestAnd([this] { this->world.stop(); });
+    this->requestAnd([this] { this->dropStateMachine(); });
+    this->expectGone();
     this->expectState("pool none\n"
                       "config bgp: <kind>{<1>}\n"
                       "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
@@ -45,8 +46,9 @@ TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWithinAn
 
 TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWithinAWithdrawal) {
     this->letOneWait();
-    this->atFirstReference([this] { this->world.stop(); });
+    this->atFirstReference([this] { this->dropStateMachine(); });
     this->withdraw("bgp", 1);
+    this->expectGone();
     this->expectState("pool none\n"
                       "config bgp:\n"
                       "config evpn: <kind>{<2>}\n"
@@ -59,9 +61,10 @@ TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWithinAW
 
 TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWhenAKeyBeginsToWait) {
     this->start({.tableSize = 8, .reallocation = true}, {"bgp"});
-    this->atFirstWaiting([this] { this->world.stop(); });
+    this->atFirstWaiting([this] { this->dropStateMachine(); });
     this->world.references->template is<TypeParam>(Test::numbered<TypeParam>(1).key,
                                                    VornicCentral::VpReference());
+    this->expectGone();
     this->expectState("pool none\n"
                       "config bgp:\n"
                       "status bgp: requests=0 failures=0 frees=0 size=8\n"
@@ -76,8 +79,9 @@ TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWhileANe
     auto const config = VornicCentral::vpIndexConfigFactory("bgp");
     config->is<TypeParam>(Test::numbered<TypeParam>(1).key, true);
     this->world.statusDir->vpIndexStatusIs("bgp", status);
-    this->atFirst(*status, [this] { this->world.stop(); });
+    this->atFirst(*status, [this] { this->dropStateMachine(); });
     this->world.configDir->vpIndexConfigIs("bgp", config);
+    this->expectGone();
     this->expectState("pool none\n"
                       "config bgp: <kind>{<1>}\n"
                       "status bgp: <kind>{<1>=15} requests=1 failures=0 frees=0 size=16\n"
@@ -86,11 +90,30 @@ TYPED_TEST(ReentrantRemoval, TheLastPointerToTheStateMachineCanBeDroppedWhileANe
                       "boot:\n");
 }
 
+TYPED_TEST(ReentrantRemoval,
+           TheLastPointerToTheStateMachineCanBeDroppedWhileStaleEntriesAreCleared) {
+    this->world.references->template is<TypeParam>(
+        Test::numbered<TypeParam>(1).key,
+        VornicCentral::VpReference(VornicCentral::VirtualPort(9)));
+    this->world.references->template is<TypeParam>(
+        Test::numbered<TypeParam>(2).key,
+        VornicCentral::VpReference(VornicCentral::VirtualPort(10)));
+    this->start({}, {});
+    this->atFirstReference([this] { this->dropStateMachine(); });
+    this->world.sm->clearStaleEntries();
+    this->expectGone();
+    this->expectState("pool none\n"
+                      "references:\n"
+                      "waiting:\n"
+                      "boot:\n");
+}
+
 TYPED_TEST(ReentrantRemoval, AChangeThatIsLeftToAStateMachineWithoutPointersIsStillHandled) {
     this->requestAnd([this] {
         this->request("bgp", 2);
-        this->world.stop();
+        this->dropStateMachine();
     });
+    this->expectGone();
     this->expectState("pool none\n"
                       "config bgp: <kind>{<1> <2>}\n"
                       "status bgp: <kind>{<1>=15 <2>=14} requests=2 failures=0 frees=0 size=16\n"
