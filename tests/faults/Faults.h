@@ -12,4 +12,8 @@ constexpr bool planted(unsigned fault) noexcept {
     return !__builtin_is_constant_evaluated() && chosen == fault;
 }
 
+/// The same for the initial value of a variable that outlives all functions: the compiler would
+/// take the one above for false, and compute the value itself.
+inline bool plantedAtStart(unsigned fault) noexcept { return chosen == fault; }
+
 } // namespace Faults

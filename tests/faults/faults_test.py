@@ -104,6 +104,10 @@ class Planting(unittest.TestCase):
         text = planted(SOURCE, [fault("++failures;", "", chosen="failures += !PLANTED; BEFORE")])
         self.assertIn(f"failures += !{chosen('f')}; ++failures;", text)
 
+    def test_a_first_value_is_chosen_at_the_start(self):
+        text = planted(SOURCE, [fault("++failures;", "", chosen="int x = PLANTED_AT_START;")])
+        self.assertIn(f"int x = {chosen('f').replace('planted', 'plantedAtStart')};", text)
+
     def test_one_that_needs_its_own_build_replaces_and_keeps_the_lines(self):
         alone = fault("count >= size", "full", alone=True)
         self.assertEqual(planted(SOURCE, [alone]), SOURCE)

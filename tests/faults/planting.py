@@ -14,9 +14,11 @@ def is_statement(text):
 
 def alternatives(fault, before):
     """The text in which both stand; `before` is what was there, with the faults within it."""
-    planted = f"Faults::planted(0x{fault.number:08X}u)"
+    number = f"0x{fault.number:08X}u"
+    planted = f"Faults::planted({number})"
     if fault.chosen:
-        return fault.chosen.replace("PLANTED", planted).replace("BEFORE", before)
+        text = fault.chosen.replace("PLANTED_AT_START", f"Faults::plantedAtStart({number})")
+        return text.replace("PLANTED", planted).replace("BEFORE", before)
     if is_statement(fault.was):
         after = f"{{ {fault.now} }}" if fault.now else "{}"
         return f"if ({planted}) {after} else {{ {before} }}"
