@@ -21,6 +21,8 @@ TEST(Utf8, ReadsCharactersOfEveryLength) {
     EXPECT_EQ(at("\xC2\x80"), Found(0x80, 2));
     EXPECT_EQ(at("\xE2\x82\xAC!"), Found(0x20AC, 3));
     EXPECT_EQ(at("\xF4\x8F\xBF\xBF"), Found(0x10FFFF, 4));
+    EXPECT_EQ(at("\xED\x9F\xBF"), Found(0xD7FF, 3)); // around the surrogates
+    EXPECT_EQ(at("\xEE\x80\x80"), Found(0xE000, 3));
     EXPECT_EQ(at("a\xC3\xBC", 1), Found(0xFC, 2));
 }
 
@@ -29,10 +31,13 @@ TEST(Utf8, RefusesWhatIsNoCharacter) {
         "\x80",             // no first byte
         "\xC3",             // cut off
         "\xC3(",            // no further byte
+        "\xC3\xC3",         // a first byte instead
+        "\xE2\x82\xE2",     // the same
         "\xC1\xBF",         // overlong
         "\xE0\x9F\xBF",     // overlong
         "\xF0\x8F\xBF\xBF", // overlong
-        "\xED\xA0\x80",     // a surrogate
+        "\xED\xA0\x80",     // the first surrogate
+        "\xED\xBF\xBF",     // the last
         "\xF4\x90\x80\x80", // beyond the last
         "\xFF",
     };

@@ -76,6 +76,20 @@ TEST(HashMap2018Storage, ClosingAllPlacesLeavesWalksAtTheNextMember) {
     expectWalksSurviveClosing([](U32) { return true; });
 }
 
+TEST(HashMap2018Storage, AMemberTakesThePlaceOfALastOneThatIsGone) {
+    constexpr U32 count = 200;
+    Numbers map(count);
+    for (U32 key = 0; key < count; ++key) {
+        map.newMember(key, 0);
+    }
+    std::size_t const storage = map.storageSize();
+    for (U32 key = count; key < count + 10; ++key) {
+        map.deleteMember(key - 1);
+        map.newMember(key, 0); // the array was full
+    }
+    EXPECT_EQ(map.storageSize(), storage);
+}
+
 TEST(HashMap2018Storage, HundredsOfThousandsOfMembersStayInOrder) {
     constexpr U32 count = 300000;
     Numbers map;

@@ -148,6 +148,25 @@ TEST_F(HashMap2018Value, OnesThatGoTogetherSeeAnEmptyCollection) {
     EXPECT_EQ(counts, (std::vector<U32>{0, 0, 0}));
 }
 
+TEST_F(HashMap2018Value, OnesThatGoTogetherFindTheWalksWhereTheyStay) {
+    std::unique_ptr<Guests::Iterator> onMember;
+    std::unique_ptr<Guests::Iterator> atEnd;
+    std::vector<bool> seen;
+    for (char const* const name : {"a", "b"}) {
+        insert(name, [&] {
+            seen.push_back(static_cast<bool>(*onMember)); // it stands on a deleted member
+            seen.push_back(static_cast<bool>(*atEnd));
+        });
+    }
+    onMember = std::make_unique<Guests::Iterator>(*guests);
+    atEnd = std::make_unique<Guests::Iterator>(*guests);
+    while (*atEnd) {
+        atEnd->advance();
+    }
+    guests->memberDelAll();
+    EXPECT_EQ(seen, (std::vector<bool>{true, false, true, false}));
+}
+
 TEST_F(HashMap2018Value, OnesThatGoTogetherMayInsertMembersThatStay) {
     insert("a", [this] { insert("late a"); });
     insert("b");

@@ -132,6 +132,19 @@ TEST(HashIndex, MemberTakenOutByItsPositionIsNotFound) {
     filed.expectAllFound();
 }
 
+TEST(HashIndex, MembersThatComeAndGoNeedTheRoomOfThoseThatAreThere) {
+    Filed filed;
+    for (U32 position = 0; position < 1000; ++position) {
+        filed.insert(position, hashAt(position, 1));
+        if (position % 2 == 0) {
+            filed.takeAt(position);
+        } else {
+            filed.take(position);
+        }
+    }
+    EXPECT_EQ(filed.index().storageSize(), 16u + 64u); // one group
+}
+
 TEST(HashIndex, MembersThatWentOnAreTakenOutByTheirPositions) {
     Filed filed;
     U32 position = 0;
@@ -262,6 +275,7 @@ TEST(DirectIndex, FindsMembersByTheirNumbers) {
     EXPECT_EQ(index.take(SmallNumber{9}, 1, never), noPosition);
     index.grow(SmallNumber{9});
     EXPECT_TRUE(index.hasRoom(SmallNumber{9}));
+    EXPECT_EQ(index.storageSize(), 16 * sizeof(U32));
     index.insert(SmallNumber{9}, 1, 4);
     EXPECT_EQ(find(9), 4u);
     EXPECT_EQ(find(8), noPosition);

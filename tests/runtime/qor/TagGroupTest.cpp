@@ -74,11 +74,12 @@ TEST(TagGroup, CountThatReachedItsBoundEndsNoSearchAnyMore) {
     TagGroup group;
     for (U32 member = 0; member < 70000; ++member) {
         group.passedInc();
+        ASSERT_FALSE(group.endsSearch()) << member;
     }
     for (U32 member = 0; member < 70000; ++member) {
         group.passedDec();
+        ASSERT_FALSE(group.endsSearch()) << member;
     }
-    EXPECT_FALSE(group.endsSearch());
 }
 
 } // namespace
