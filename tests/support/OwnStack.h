@@ -10,6 +10,8 @@
 
 namespace Support {
 
+inline constexpr std::size_t kibi = 1024;
+
 /// The stack of a thread as the system usually makes it, in bytes. The thread sanitizer knows
 /// 65,536 calls within each other and no more: below it the stack is one that so many do not fit
 /// on.

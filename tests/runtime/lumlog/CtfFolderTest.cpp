@@ -3,9 +3,11 @@
 #include "support/FileBytes.h"
 
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -91,6 +93,25 @@ TEST_F(CtfFolder, IsMadeWithTheTwoFilesOfTheTrace) {
     EXPECT_EQ(content(), (Content{{"trace", "(folder)"},
                                   {"trace/metadata", trace().metadata()},
                                   {"trace/stream", trace().stream()}}));
+}
+
+/// A folder without metadata is no trace, so one that is cut short is none.
+TEST_F(CtfFolder, GetsItsMetadataLast) {
+    fs::path const place = folder_ / "trace";
+    fs::create_directory(place);
+    int const watch = ::inotify_init1(IN_NONBLOCK);
+    ASSERT_NE(::inotify_add_watch(watch, place.c_str(), IN_CREATE), -1);
+    EXPECT_EQ(failure("trace"), std::error_code());
+    alignas(inotify_event) std::array<char, 4096> events;
+    auto const size = ::read(watch, events.data(), events.size());
+    ::close(watch);
+    std::vector<std::string> made;
+    for (char const* at = events.data(); at < events.data() + size;) {
+        auto const* const event = reinterpret_cast<inotify_event const*>(at);
+        made.emplace_back(event->name);
+        at += sizeof *event + event->len;
+    }
+    EXPECT_EQ(made, (std::vector<std::string>{"stream", "metadata"}));
 }
 
 TEST_F(CtfFolder, MayBeThereWhenItIsEmpty) {

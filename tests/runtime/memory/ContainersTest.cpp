@@ -104,7 +104,7 @@ TYPED_TEST(MapWithoutMemory, GivesUpItsMembersOneByOneAndAllAtOnce) {
     EXPECT_EQ(counted.live(), 0);
 }
 
-struct Entry {
+struct NumberedEntry {
     U64 hash;
     U32 useCount;
     U32 number;
@@ -112,23 +112,23 @@ struct Entry {
 
 class TableWithoutMemory : public testing::Test {
 protected:
-    Entry* take(U32 number) {
+    NumberedEntry* take(U32 number) {
         return table_.take(
-            number % 7, [number](Entry const& entry) { return entry.number == number; },
+            number % 7, [number](NumberedEntry const& entry) { return entry.number == number; },
             [number] {
-                return new Entry{number % 7, 1, number};
+                return new NumberedEntry{number % 7, 1, number};
             });
     }
     U32 uses(U32 number) const {
         return table_.uses(number % 7,
-                           [number](Entry const& entry) { return entry.number == number; });
+                           [number](NumberedEntry const& entry) { return entry.number == number; });
     }
 
-    Pelo::CountedTable<Entry> table_;
+    Pelo::CountedTable<NumberedEntry> table_;
 };
 
 TEST_F(TableWithoutMemory, TakesAnEntryOrStaysAsItWas) {
-    std::vector<Entry*> entries(100);
+    std::vector<NumberedEntry*> entries(100);
     for (U32 number = 0; number < 100; ++number) {
         U32 const failures =
             failEachAllocation([&] { entries[number] = take(number); },

@@ -63,6 +63,8 @@ TEST(Ip6Addr, PrintsMappedAddressesWithDots) {
     EXPECT_EQ(outcome("64:ff9b::192.0.2.33"), "64:ff9b::c000:221");
     EXPECT_EQ(outcome("::ffff:0:1.2.3.4"), "::ffff:0:102:304");
     EXPECT_EQ(outcome("1::ffff:1.2.3.4"), "1::ffff:102:304");
+    EXPECT_EQ(outcome("::1:ffff:1.2.3.4"), "::1:ffff:102:304");
+    EXPECT_EQ(outcome("::fffe:1.2.3.4"), "::fffe:102:304");
 }
 
 TEST(Ip6Addr, ReadsAnEmbeddedIp4AddressAtTheEnd) {
@@ -79,6 +81,10 @@ TEST(Ip6Addr, RefusesWhatIsNoAddressAtTheByteThatDoesNotFit) {
         {":1", "at 1: expected ':'"},
         {":::", "at 2: expected " + group},
         {"g::", "at 0: expected " + group},
+        {"G::", "at 0: expected " + group}, // and the other neighbours of the digits
+        {"@::", "at 0: expected " + group},
+        {"`::", "at 0: expected " + group},
+        {"/::", "at 0: expected " + group},
         {"1", "at 1: expected ':'"},
         {"1:", "at 2: expected " + group},
         {"1::2::3", "at 5: expected " + group},

@@ -38,7 +38,7 @@ private:
     Pelo::Subscriber subscriber_{this, &dispatch};
 };
 
-constexpr std::size_t kibi = 1024;
+using Support::kibi;
 constexpr std::size_t stackSizes[] = {64 * kibi, 256 * kibi, 1024 * kibi, 8192 * kibi};
 constexpr char const* refusal = "Publisher\\.cpp:[0-9]+: .*Assertion '!Stack::low\\(\\)' failed\\.";
 

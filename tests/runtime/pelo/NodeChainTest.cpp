@@ -49,7 +49,7 @@ private:
     U32 number_;
 };
 
-constexpr std::size_t kibi = 1024;
+using Support::kibi;
 
 /// Builds so many nodes, of which each holds the next one, and gives the first.
 Ptr<Link> chainOf(U32 length, Graveyard& graveyard) {
