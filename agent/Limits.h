@@ -53,6 +53,6 @@ inline constexpr U64 ringFile = U64{4} << 30;
 inline constexpr U64 stateFile = U64{4} << 30;
 
 /// Bytes of one row in a state file.
-inline constexpr int stateValue = 16 << 20;
+inline constexpr int stateRow = 16 << 20;
 
 } // namespace VpAgent::Limits

@@ -4,6 +4,7 @@
 #include "statefile/OwnFiles.h"
 #include "text/Utf8.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -50,7 +51,8 @@ void checkReplaceable(fs::path const& path, Word const& file) {
     }
 }
 
-/// A new file beside the one that it is to become; it goes unless it has.
+/// A new file beside the one that it is to become; it goes unless it has. Those who may read the
+/// former one may read it, and nobody else.
 class NewFile {
 public:
     NewFile(fs::path const& path, Word const& file)
@@ -61,11 +63,13 @@ public:
         if (stream_ == nullptr) {
             refuseToWrite(file_, std::strerror(errno));
         }
+        struct stat former {};
+        if (::stat(path_.c_str(), &former) == 0) {
+            ::fchmod(::fileno(stream_), former.st_mode & 0777);
+        }
     }
     ~NewFile() {
-        if (stream_ != nullptr) {
-            std::fclose(stream_);
-        }
+        std::fclose(stream_);
         if (!done_) {
             std::remove(newPath_.c_str());
         }

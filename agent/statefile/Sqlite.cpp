@@ -27,7 +27,7 @@ std::string description(sqlite3* connection, int code) {
     }
     if (primary == SQLITE_TOOBIG) {
         text +=
-            "; a row of a state file has at most " + std::to_string(Limits::stateValue) + " bytes";
+            "; a row of a state file has at most " + std::to_string(Limits::stateRow) + " bytes";
     }
     return text;
 }
@@ -67,7 +67,7 @@ void Connection::distrust() {
           std::pair(SQLITE_DBCONFIG_ENABLE_VIEW, 0)}) {
         sqlite3_db_config(handle_, option, on, nullptr);
     }
-    sqlite3_limit(handle_, SQLITE_LIMIT_LENGTH, Limits::stateValue);
+    sqlite3_limit(handle_, SQLITE_LIMIT_LENGTH, Limits::stateRow);
     sqlite3_limit(handle_, SQLITE_LIMIT_ATTACHED, 0);
     run("PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0");
 }

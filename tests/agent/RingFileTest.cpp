@@ -178,6 +178,15 @@ TEST_F(RingFile, IsReplacedByADumpOnlyWhenItIsOne) {
     EXPECT_EQ(textsIn("ring"), expected_);
 }
 
+TEST_F(RingFile, IsReplacedByOneThatTheSamePeopleMayRead) {
+    dumpOf(someRecords, "ring");
+    for (fs::perms const mode : {fs::perms(0600), fs::perms(0644), fs::perms(0640)}) {
+        fs::permissions(path("ring"), mode);
+        dumpOf(someRecords, "ring");
+        EXPECT_EQ(fs::status(path("ring")).permissions(), mode);
+    }
+}
+
 TEST_F(RingFile, IsTheOnlyOneThatADumpLeaves) {
     dumpOf(someRecords, "ring");
     dumpOf(someRecords, "ring");

@@ -166,9 +166,9 @@ TEST_F(Hostile, RowsOfTheLargestSizeAreReadAndNoLargerOnes) {
     auto const makeRow = [&](int bytes) {
         sql("UPDATE waiting SET key = printf('%.*c', " + std::to_string(bytes - others) + ", '1')");
     };
-    makeRow(VpAgent::Limits::stateValue);
+    makeRow(VpAgent::Limits::stateRow);
     expectRefused("is no vlan key");
-    makeRow(VpAgent::Limits::stateValue + 1);
+    makeRow(VpAgent::Limits::stateRow + 1);
     expectRefused("string or blob too big; a row of a state file has at most 16777216 bytes");
 }
 
