@@ -8,7 +8,6 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <csignal>
 #include <filesystem>
 
 namespace VpAgentTest {
@@ -199,7 +198,6 @@ TEST_F(RingFile, ThatGrowsBeyondTheLargestSizeIsNotLeftAndTheFormerOneStays) {
         constexpr rlim_t most = 100'000;
         rlimit const bytes{most, most};
         ::setrlimit(RLIMIT_FSIZE, &bytes);
-        std::signal(SIGXFSZ, SIG_DFL); // whatever whoever started the tests has chosen
     };
     for (char const* const name : {"ring", "none"}) {
         Outcome const outcome =

@@ -51,6 +51,12 @@ std::string contentOf(std::FILE* file) {
 
 std::string vpagentProgram() { return VPAGENT_PROGRAM; }
 
+void signalsAsUsual() noexcept {
+    for (int const signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXFSZ}) {
+        std::signal(signal, SIG_DFL);
+    }
+}
+
 pid_t startVpagent(std::vector<std::string> const& arguments, int in, int out, int err,
                    std::function<void()> const& prepare) {
     std::vector<char*> argv;
@@ -66,6 +72,7 @@ pid_t startVpagent(std::vector<std::string> const& arguments, int in, int out, i
         ::dup2(in, STDIN_FILENO);
         ::dup2(out, STDOUT_FILENO);
         ::dup2(err, STDERR_FILENO);
+        signalsAsUsual();
         if (prepare) {
             prepare();
         }

@@ -24,6 +24,11 @@ struct Outcome {
 Outcome runVpagent(std::vector<std::string> const& arguments, std::string_view input = {},
                    std::function<void()> const& prepare = nullptr);
 
+/// Lets signals do to this process what they do to a program that a person starts, whatever whoever
+/// started the tests has chosen: a shell starts what runs in its background with interrupts
+/// ignored.
+void signalsAsUsual() noexcept;
+
 /// Starts the program with these files as its standard input, output and error. `prepare` is called
 /// in the process that becomes the program.
 pid_t startVpagent(std::vector<std::string> const& arguments, int in, int out, int err,

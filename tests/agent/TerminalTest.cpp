@@ -38,6 +38,7 @@ protected:
             for (auto const& [name, value] : variables) {
                 ::setenv(name, value.c_str(), 1);
             }
+            signalsAsUsual();
             std::string const program = vpagentProgram();
             ::execl(program.c_str(), program.c_str(), nullptr);
             ::_exit(127);

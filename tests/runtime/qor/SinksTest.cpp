@@ -3,6 +3,7 @@
 #include "SinkFixture.h"
 #include "qor/Log.h"
 #include "qor/TraceHelper.h"
+#include "support/OwnStack.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -103,6 +104,29 @@ TEST(SinksDeathTest, ExceptionInASinkEndsTheProcess) {
             traceEmit({handle, 1, "file", 2, "function", "first"});
         },
         "");
+}
+
+TEST(SinksDeathTest, TraceSinkThatTracesWithoutEndIsStopped) {
+    TraceHandle const handle("sinks", true);
+    EXPECT_DEATH(
+        {
+            auto const trace = [&handle] {
+                traceEmit({handle, 1, "file", 2, "function", "again"});
+            };
+            traceSinkIs([trace](TraceLine const&) { trace(); });
+            Support::onStackOf(256 * Support::kibi, trace);
+        },
+        "!Pelo::Stack::low");
+}
+
+TEST(SinksDeathTest, LogSinkThatLogsWithoutEndIsStopped) {
+    EXPECT_DEATH(
+        {
+            LogHandle log(testDescriptor);
+            logSinkIs([&log](LogMessage const&) { Qor::log(log, "again"); });
+            Support::onStackOf(256 * Support::kibi, [&log] { Qor::log(log, "again"); });
+        },
+        "!Pelo::Stack::low");
 }
 
 TEST(UtcTimeText, HasMicroseconds) {
