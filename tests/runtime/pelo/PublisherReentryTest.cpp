@@ -1,7 +1,7 @@
 #include "pelo/Node.h"
 #include "pelo/Ptr.h"
 #include "pelo/Publisher.h"
-#include "runtime/pelo/Reactor.h"
+#include "runtime/pelo/PublisherFixture.h"
 #include "support/Allocations.h"
 
 #include <gtest/gtest.h>
@@ -18,23 +18,7 @@ using Support::publish;
 using Support::Reactor;
 
 /// Reactors that change subscriptions, or publish, while they are being told.
-class PublisherReentry : public testing::Test {
-protected:
-    void add(Reactor& reactor, bool atFront = false) {
-        publisher.subscriberAdd(&reactor.subscriber, atFront);
-    }
-    void remove(Reactor& reactor) { publisher.subscriberRemove(&reactor.subscriber); }
-    Calls heard(int key) {
-        calls.clear();
-        publish(publisher, 131, key);
-        return calls;
-    }
-
-    Calls calls;
-    Publisher publisher;
-    Reactor a{calls, "a"};
-    Reactor b{calls, "b"};
-};
+class PublisherReentry : public Support::PublisherFixture {};
 
 TEST_F(PublisherReentry, WhoIsAddedIsFirstToldOfTheNextChange) {
     Reactor adder(calls, "adder", [&] { add(b); });

@@ -1,6 +1,6 @@
 #include "pelo/Publisher.h"
 
-#include "runtime/pelo/Reactor.h"
+#include "runtime/pelo/PublisherFixture.h"
 #include "support/Allocations.h"
 
 #include <gtest/gtest.h>
@@ -15,26 +15,7 @@ using Support::Calls;
 using Support::publish;
 using Support::Reactor;
 
-class PublisherTest : public testing::Test {
-protected:
-    void add(Reactor& reactor, bool atFront = false) {
-        publisher.subscriberAdd(&reactor.subscriber, atFront);
-    }
-    void remove(Reactor& reactor) { publisher.subscriberRemove(&reactor.subscriber); }
-
-    /// What the subscribers hear of one change under `key`.
-    Calls heard(int key) {
-        calls.clear();
-        publish(publisher, 131, key);
-        return calls;
-    }
-
-    Calls calls;
-    Publisher publisher;
-    Reactor a{calls, "a"};
-    Reactor b{calls, "b"};
-    Reactor c{calls, "c"};
-};
+class PublisherTest : public Support::PublisherFixture {};
 
 TEST_F(PublisherTest, TellsNobodyWhenNobodySubscribes) {
     EXPECT_FALSE(publisher.hasSubscribers());
