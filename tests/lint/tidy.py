@@ -3,7 +3,7 @@
 
 usage: tidy.py BUILD [--shipped | --deep | PATTERN]
 
-BUILD was configured with the preset lint: every command there compiles a unit, which includes a dozen
+BUILD was configured with the preset lint: every command there compiles a unit, which includes two dozen
 sources. Headers are read once a unit, which takes a fifth of the time. A unit in which the names of two
 sources clash is taken apart. --shipped leaves out what users do not get: tests, benchmarks and examples.
 PATTERN chooses single sources by a regular expression; --deep takes single sources too and adds the
