@@ -282,10 +282,14 @@ void OpenFile::removeFiles() {
     }
 }
 
+/// Reading alone keeps other readers only, unless the file has a write-ahead log already: two that
+/// have made it together would stand in each other's way from here on.
 void OpenFile::lock() {
     connection_.run("PRAGMA locking_mode = EXCLUSIVE");
     try {
+        connection_.run("BEGIN EXCLUSIVE");
         connection_.number("SELECT count(*) FROM sqlite_schema");
+        connection_.run("COMMIT");
     } catch (SqliteError const& error) {
         if (error.damage()) {
             guard_.activate(); // it is met under the lock

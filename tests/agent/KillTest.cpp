@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <filesystem>
 #include <memory>
@@ -238,6 +239,20 @@ TEST_F(Kill, OfTwoThatStartTogetherOneRuns) {
         runs[first]->kill();
     }
     EXPECT_EQ(found(), memory.database());
+}
+
+TEST_F(Kill, OfTwoThatMakeTheFileTogetherOneRuns) {
+    constexpr int rounds = 15;
+    for (int round = 0; round < rounds; ++round) {
+        TemporaryFolder const folder;
+        std::string const fresh = (folder.path() / "state").string();
+        std::array<std::unique_ptr<KillableRun>, 2> runs;
+        for (auto& run : runs) {
+            run = std::make_unique<KillableRun>(fresh);
+            run->write("client add a\n");
+        }
+        ASSERT_NE(runs[0]->readAnswers(1), runs[1]->readAnswers(1)) << round;
+    }
 }
 
 TEST_F(Kill, AStateFileWhoseLogIsLostIsRefused) {
