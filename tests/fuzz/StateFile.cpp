@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 
 namespace {
 
@@ -113,7 +114,8 @@ void sealAll(fs::path const& path) {
             Connection connection(path.string());
             connection.keepLogAtClose(true);
             sealRows(connection, *table);
-        } catch (SqliteError const&) { // this is what most damage leads to
+        } catch (SqliteError const&) {       // this is what most damage leads to
+        } catch (std::out_of_range const&) { // a negative number, for which no seal fits
         }
     }
 }
