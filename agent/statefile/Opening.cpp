@@ -187,10 +187,11 @@ OpenFile::OpenFile(fs::path const& path, U64 largest)
     connection_.keepLogAtClose(true);
     try {
         checkSizes();
-        if (checkHeader(connection_)) {
+        bool const mayBeNew = checkHeader(connection_);
+        if (mayBeNew) {
             makeIfEmpty();
         }
-        lock();
+        lock(mayBeNew);
     } catch (...) {
         checkInPlace(); // a file that was taken away fails in any way
         takeBack();
@@ -282,14 +283,16 @@ void OpenFile::removeFiles() {
     }
 }
 
-/// Reading alone keeps other readers only, unless the file has a write-ahead log already: two that
-/// have made it together would stand in each other's way from here on.
-void OpenFile::lock() {
+/// To read a file that has a write-ahead log takes the whole lock. One that has none yet is locked
+/// by a transaction first: two that have made it together would both read it, and stand in each
+/// other's way from then on.
+void OpenFile::lock(bool mayBeNew) {
     connection_.run("PRAGMA locking_mode = EXCLUSIVE");
     try {
-        connection_.run("BEGIN EXCLUSIVE");
+        if (mayBeNew) {
+            connection_.run("BEGIN EXCLUSIVE; COMMIT");
+        }
         connection_.number("SELECT count(*) FROM sqlite_schema");
-        connection_.run("COMMIT");
     } catch (SqliteError const& error) {
         if (error.damage()) {
             guard_.activate(); // it is met under the lock

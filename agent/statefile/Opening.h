@@ -58,7 +58,7 @@ private:
     void checkInPlace();
     void takeBack() noexcept;
     void removeFiles();
-    void lock();
+    void lock(bool mayBeNew);
     void checkContent();
 
     std::filesystem::path path_;
