@@ -17,12 +17,11 @@ template <class Kind> constexpr bool isRemote = std::is_same_v<typename Kind::Ke
 
 } // namespace
 
-/// Whoever watches the records may drop the allocator and the state machine meanwhile; both stay
-/// until the handler is done.
+/// Whoever watches the records may drop the allocator meanwhile; it stays until the handler is
+/// done, as the state machine does.
 template <class Kind> void VpIndexAllocator::handleKey(typename Kind::Key const& key) {
-    Pelo::Ptr<VpIndexAllocatorDirSm> const stateMachine(vpIndexAllocatorDirSm_);
     Pelo::Ptr<VpIndexAllocator> const self(this);
-    stateMachine->handlerTurns_.run([&] { handleKeyInTurn<Kind>(key); });
+    vpIndexAllocatorDirSm_->inTurn([&] { handleKeyInTurn<Kind>(key); });
 }
 
 template <class Kind> void VpIndexAllocator::handleKeyInTurn(typename Kind::Key const& key) {
