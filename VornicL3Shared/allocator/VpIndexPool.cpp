@@ -21,7 +21,8 @@ Pelo::Ptr<Bask::Bitmap> VpIndexAllocatorDirSm::vpBitmapDel() {
 
 /// The pool, where it has to be there: a host may have taken it away.
 Bask::Bitmap& VpIndexAllocatorDirSm::pool() const {
-    QOR_ASSERT(vpBitmap_ != nullptr);
+    VP_ASSERT(vpBitmap_ != nullptr, "vpBitmap_ != nullptr",
+              "Bask::Bitmap& VornicCentral::VpIndexAllocatorDirSm::pool() const");
     return *vpBitmap_;
 }
 

@@ -75,7 +75,8 @@ TEST_F(PoolDeathTest, StartingUpAgainOverAPoolThatIsThere) {
 TEST_F(PoolDeathTest, WhatNeedsAPoolThatWasTakenAway) {
     world.client("bgp");
     world.config("bgp").vlanVportIs(Bridging::VlanId(7), true);
-    std::string const noPool = "Assertion 'vpBitmap_ != nullptr' failed";
+    std::string const noPool = assertionFailure(
+        "Bask::Bitmap& VornicCentral::VpIndexAllocatorDirSm::pool() const", "vpBitmap_ != nullptr");
     world.sm->vpBitmapDel();
     EXPECT_DEATH(world.sm->setVpBitmap(12), noPool);
     EXPECT_DEATH(world.sm->allocVpIndex(true), noPool);
