@@ -6,6 +6,7 @@
 #include "VornicL3Shared/support/References.h"
 #include "qor/Sinks.h"
 #include "support/Random.h"
+#include "support/Sanitizers.h"
 
 #include <functional>
 #include <iostream>
@@ -379,17 +380,18 @@ template <class K> class WholeReentryMatrix : public ReentryMatrix<K> {};
 TYPED_TEST_SUITE(WholeReentryMatrix, TwoKinds, Test::KindNames);
 
 TYPED_TEST(WholeReentryMatrix, AnythingWithinAnyNotificationLeavesWhatIsPromised) {
+    constexpr U32 step = Support::threadSanitizer() ? 4 : 1; // there is no second thread
     U32 trials = 0;
     for (auto const& change : changes<TypeParam>()) {
         U32 const calls = this->run(change, {});
         for (auto const& reaction : reactions<TypeParam>()) {
-            for (U32 call = 0; call < calls && !this->HasFailure(); ++call) {
+            for (U32 call = 0; call < calls && !this->HasFailure(); call += step) {
                 this->run(change, {{call, reaction}});
                 ++trials;
             }
         }
     }
-    EXPECT_GT(trials, 600u);
+    EXPECT_GT(trials, 600u / step);
 }
 
 } // namespace
