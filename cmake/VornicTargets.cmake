@@ -23,7 +23,7 @@ target_compile_options(vornic_warnings INTERFACE
     # 105651), and loses track of values across inlined and instrumented code: of what is set, and of
     # which alternative of a std::any is there. Clang and the sanitizers look as well.
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict -Wno-array-bounds -Wno-maybe-uninitialized
-        -Wno-stringop-overflow>)
+        -Wno-stringop-overflow -Wno-stringop-overread>)
 
 add_library(vornic_instruments INTERFACE)
 if(VORNIC_SANITIZE)

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -98,7 +99,8 @@ private:
         U32 insertion;
         U32 number;
     };
-    std::vector<Member> current() const {
+    /// The member that the walk stands on or comes to next, and all after it.
+    std::span<Member const> current() const {
         auto const at = std::find_if(list_.begin(), list_.end(), [this](Member const& each) {
             return each.insertion >= from_;
         });
