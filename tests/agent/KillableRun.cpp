@@ -1,9 +1,12 @@
 #include "agent/KillableRun.h"
 
 #include "agent/RunVpagent.h"
+#include "support/FileBytes.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,7 +29,8 @@ KillableRun::KillableRun(std::string const& stateFile) {
     ignoreBrokenPipes();
     std::array<int, 2> in{};
     std::array<int, 2> out{};
-    if (::pipe2(in.data(), O_CLOEXEC) != 0 || ::pipe2(out.data(), O_CLOEXEC) != 0) {
+    errors_ = ::memfd_create("errors", MFD_CLOEXEC);
+    if (errors_ < 0 || ::pipe2(in.data(), O_CLOEXEC) != 0 || ::pipe2(out.data(), O_CLOEXEC) != 0) {
         throw std::runtime_error("no pipe");
     }
     std::vector<std::string> words{vpagentProgram(), "--json", "--keep-going"};
@@ -42,7 +46,7 @@ KillableRun::KillableRun(std::string const& stateFile) {
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, in[0], STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_adddup2(&actions, errors_, STDERR_FILENO);
     int const code =
         ::posix_spawn(&process_, argv.front(), &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
@@ -90,7 +94,7 @@ void KillableRun::kill() {
         return;
     }
     ::kill(process_, SIGKILL);
-    while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+    while (::waitpid(process_, &status_, 0) < 0 && errno == EINTR) {
     }
     process_ = -1;
     while (readMore()) {
@@ -99,6 +103,11 @@ void KillableRun::kill() {
         ::close(input_);
     }
     ::close(output_);
+    std::string const said = bytesOf("/proc/self/fd/" + std::to_string(errors_));
+    ::close(errors_);
+    EXPECT_TRUE(said.find("Sanitizer") == std::string::npos &&
+                said.find("runtime error:") == std::string::npos)
+        << said;
 }
 
 /// Reads what is there, waiting for something. False at the end.

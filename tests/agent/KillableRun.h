@@ -34,8 +34,12 @@ public:
 
     void endInput();
 
-    /// Ends the program by SIGKILL, if it has not ended, and reads what it had answered before.
+    /// Ends the program by SIGKILL, if it has not ended, and reads what it had answered before. The
+    /// test fails when a sanitizer has reported something on the way.
     void kill();
+
+    /// How the program ended, as `waitpid` tells it; known after `kill`.
+    int status() const noexcept { return status_; }
 
 private:
     bool readMore();
@@ -43,6 +47,8 @@ private:
     pid_t process_ = -1;
     int input_ = -1;
     int output_ = -1;
+    int errors_ = -1; ///< a file in memory
+    int status_ = 0;
     std::size_t written_ = 0; ///< commands
     std::string rest_;        ///< of a line that is not complete
     std::vector<std::string> answers_;

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
@@ -198,10 +199,12 @@ class RandomKill : public testing::TestWithParam<unsigned> {
 protected:
     RandomKill() : chance_(GetParam()), script_(chance_) {}
 
-    static void SetUpTestSuite() { killsBeforeTheEnd_ = 0; }
+    static void SetUpTestSuite() { killsBeforeTheEnd_ = stops_ = 0; }
 
     /// Kills of runs that have nothing left to do prove little.
     static void TearDownTestSuite() {
+        std::cout << killsBeforeTheEnd_ << " runs were killed before their last answer, and "
+                  << stops_ << " had stopped by themselves, as in memory\n";
         EXPECT_GT(killsBeforeTheEnd_, 0u) << "all kills came after the last answer";
     }
 
@@ -256,6 +259,10 @@ protected:
         ASSERT_EQ(database, memory_.durable())
             << answered_ << " of " << sent_.size() << " acknowledged, which left:\n"
             << acknowledged;
+        if (stopped_) {
+            ASSERT_TRUE(count < sent_.size() && !memory_.apply(sent_[count]))
+                << "a stop that the same commands in memory do not meet";
+        }
         memory_.kill();
     }
 
@@ -285,12 +292,22 @@ protected:
         }
         bool const ended = aChildHasEnded();
         run.kill();
+        expectEnd(run.status(), way == 1 && !early);
         answered_ = run.answers().size() - before;
         killsBeforeTheEnd_ += !ended && answered_ < sent_.size() ? 1u : 0u;
         auto const first = run.answers().begin() + static_cast<std::ptrdiff_t>(before);
         history_.killed(how + (ended ? ", after it had ended" : "") +
                             (early ? ", the run after one that was killed at once" : ""),
                         sent_, Commands(first, run.answers().end()));
+    }
+
+    /// A run ends by the kill, when its input ends, or by a stop of the library.
+    void expectEnd(int status, bool inputEnded) {
+        int const signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+        stopped_ = signal == SIGABRT;
+        stops_ += stopped_ ? 1u : 0u;
+        EXPECT_TRUE(stopped_ || signal == SIGKILL || (inputEnded && WIFEXITED(status)))
+            << "wait status " << status;
     }
 
     void makeCommands() {
@@ -321,6 +338,7 @@ protected:
     }
 
     inline static unsigned killsBeforeTheEnd_ = 0; ///< while an answer was still to come
+    inline static unsigned stops_ = 0;
 
     TemporaryFolder folder_;
     TemporaryFolder left_; ///< a copy of the files as the last kill left them
@@ -329,6 +347,7 @@ protected:
     Memory memory_;
     Commands sent_;
     std::size_t answered_ = 0;
+    bool stopped_ = false; ///< the last run, by itself
     History history_;
 };
 
