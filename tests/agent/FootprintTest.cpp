@@ -4,11 +4,15 @@
 #include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdlib>
 #include <set>
 #include <sstream>
@@ -127,6 +131,20 @@ void dropPrivileges(bool toNobody) {
     ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
 }
 
+/// Ends the process by SIGSYS when it asks for a socket. It must have given up new privileges.
+void forbidSockets() {
+    std::array<sock_filter, 4> steps = {{
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_socket, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_KILL_PROCESS),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    }};
+    sock_fprog const filter{steps.size(), steps.data()};
+    if (::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0) {
+        ::_exit(124);
+    }
+}
+
 /// Whether anybody may run the program, whose folder may be its builder's alone.
 bool isOpenToAll(fs::path path) {
     for (; path.has_relative_path(); path = path.parent_path()) {
@@ -137,7 +155,7 @@ bool isOpenToAll(fs::path path) {
     return true;
 }
 
-TEST_F(Footprint, NeedsNoPrivilegesAndNoFolderThatMayBeWritten) {
+TEST_F(Footprint, NeedsNoPrivilegesNoConnectionAndNoFolderThatMayBeWritten) {
     bool const toNobody = ::getuid() == 0 && isOpenToAll(vpagentProgram());
     std::string const commands = script();
     fs::permissions(named_.path(), fs::perms::all);
@@ -148,6 +166,7 @@ TEST_F(Footprint, NeedsNoPrivilegesAndNoFolderThatMayBeWritten) {
                                        commands + "call-client b nonsense\n", [&] {
                                            enter();
                                            dropPrivileges(toNobody);
+                                           forbidSockets();
                                        });
     EXPECT_EQ(outcome.status, 2) << outcome.err;
     EXPECT_NE(outcome.out.find("{\"ok\": \"client\", \"line\": 21}"), std::string::npos)
