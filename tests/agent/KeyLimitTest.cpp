@@ -12,6 +12,8 @@ namespace VpAgentTest {
 namespace {
 
 namespace Limits = VpAgent::Limits;
+using VornicCentral::VirtualPort;
+using VornicCentral::VpReference;
 
 TEST(KeyRoom, CountsOnlyWhenAsManyWereAddedAsThereWasRoomFor) {
     std::size_t present = Limits::keys - 3;
@@ -62,6 +64,19 @@ protected:
         }
     }
 
+    /// Of records with one entry less than they may have, one more is taken, also when it is put
+    /// again or after another was dropped, and none beyond it.
+    void expectRoomForOne(std::string const& record, std::string const& value) {
+        SCOPED_TRACE(record);
+        EXPECT_EQ(run("put " + record + " vlan 7" + value), "");
+        EXPECT_EQ(run("put " + record + " vlan 7" + value), "");
+        EXPECT_EQ(run("put " + record + " vlan 8" + value), tooMany);
+        EXPECT_EQ(run("drop " + record + " vlan 7"), "");
+        EXPECT_EQ(run("put " + record + " vlan 8" + value), "");
+    }
+
+    inline static std::string const tooMany =
+        "too many keys, expected at most 1048576 in such records";
     QuietReporter reporter_;
     VpAgent::Agent agent_{reporter_, {}};
 };
@@ -89,15 +104,25 @@ TEST_F(KeyLimit, AsManyRequestsOfAllClientsAsThereMayBe) {
 }
 
 TEST_F(KeyLimit, AsManyEntriesOfARecordAsThereMayBe) {
-    std::string const message = "too many keys, expected at most 1048576 in such records";
     auto& boot = *agent_.database.boot();
+    fill(Limits::keys - 1, [&](auto const& key) { boot.edgeVportIs(key, VirtualPort(7)); });
+    expectRoomForOne("boot", " 1");
+    auto& references = *agent_.database.references();
     fill(Limits::keys - 1,
-         [&](auto const& key) { boot.edgeVportIs(key, VornicCentral::VirtualPort(7)); });
-    EXPECT_EQ(run("put boot vlan 7 1"), "");
-    EXPECT_EQ(run("put boot vlan 7 2"), "");
-    EXPECT_EQ(run("put boot vlan 8 1"), message);
-    EXPECT_EQ(run("drop boot vlan 7"), "");
-    EXPECT_EQ(run("put boot vlan 8 1"), "");
+         [&](auto const& key) { references.edgeVportIs(key, VpReference(VirtualPort(7))); });
+    expectRoomForOne("reference", " 1 a");
+    auto& waiting = *agent_.database.waiting();
+    fill(Limits::keys - 1, [&](auto const& key) { waiting.edgeVportIs(key, true); });
+    expectRoomForOne("waiting", "");
+}
+
+TEST_F(KeyLimit, AsManyEntriesOfAllStatusesAsThereMayBe) {
+    auto& a = *agent_.database.add("a").status;
+    auto& b = *agent_.database.add("b").status;
+    fill(Limits::keys / 2, [&](auto const& key) { a.edgeVportIs(key, VirtualPort(7)); });
+    fill(Limits::keys / 2 - 1, [&](auto const& key) { b.edgeVportIs(key, VirtualPort(7)); });
+    expectRoomForOne("status b", " 1");
+    EXPECT_EQ(run("put status a vlan 9 1"), tooMany);
 }
 
 } // namespace
