@@ -19,9 +19,12 @@ Measured measuredRun(std::vector<std::string> const& arguments,
 
 /// Whether the program holds back freed memory and keeps shadows of it, so that its peak says
 /// little.
-constexpr bool memoryIsPadded() {
-    return Support::addressSanitizer() || Support::threadSanitizer();
+inline bool memoryIsPadded() {
+    return (Support::addressSanitizer() || Support::threadSanitizer()) && !isInstalledProgram();
 }
+
+/// Seconds of the processor, for whatever is refused: the worst takes one without sanitizers.
+inline double littleTime() { return memoryIsPadded() ? 50 : 5; }
 
 /// A file of that many bytes which takes no room on the disk, but for those at its front.
 void makeSparse(std::filesystem::path const& path, std::uintmax_t size,

@@ -22,6 +22,8 @@ namespace VpAgentTest {
 
 namespace {
 
+constexpr char const* installed = "VORNIC_VPAGENT";
+
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 File temporaryFile(std::string_view content = {}) {
@@ -49,7 +51,11 @@ std::string contentOf(std::FILE* file) {
 
 } // namespace
 
-std::string vpagentProgram() { return VPAGENT_PROGRAM; }
+bool isInstalledProgram() { return std::getenv(installed) != nullptr; }
+
+std::string vpagentProgram() {
+    return isInstalledProgram() ? std::getenv(installed) : VPAGENT_PROGRAM;
+}
 
 void signalsAsUsual() noexcept {
     for (int const signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXFSZ}) {

@@ -10,8 +10,10 @@
 
 namespace VpAgentTest {
 
-/// The path of the program.
+/// The path of the program: of the one that was built with the tests, or of an installed one that
+/// `VORNIC_VPAGENT` in the environment names.
 std::string vpagentProgram();
+bool isInstalledProgram();
 
 /// How a run of the program ended, and what it printed.
 struct Outcome {

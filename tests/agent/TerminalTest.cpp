@@ -225,7 +225,7 @@ TEST_F(HugeTerminal, IsReadLikeAFile) {
 }
 
 /// Mebibytes: far less than three copies of a screen beyond the limit take.
-constexpr long littleForAScreen = memoryIsPadded() ? 500 : 60;
+long const littleForAScreen = memoryIsPadded() ? 500 : 60;
 
 TEST_F(Terminal, OutlivesAScreenThatGrowsBeyondTheLimit) {
     ASSERT_TRUE(shows("vpagent> "));
