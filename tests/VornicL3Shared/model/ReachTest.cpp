@@ -72,7 +72,8 @@ TEST(ModelReach, EveryOperationComesUp) {
     EXPECT_EQ(text, "");
 }
 
-/// All assertions but "vpIndexStatus() != nullptr", which an allocator without status would need.
+/// All assertions but "vpIndexStatus() != nullptr" and "vpBitmap_ != nullptr": no operation of the
+/// model makes an allocator without status, or leaves a machine without a pool.
 TEST(ModelReach, EveryStopComesUp) {
     std::set<std::string> missing = {"!vpBitmap()->isBitSet( vpIndex )",
                                      "vpIndexStatusDir()->vpIndexStatusHas( name )",
