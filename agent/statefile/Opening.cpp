@@ -130,12 +130,28 @@ void checkNumbers(U32 application, U32 version) {
     }
 }
 
+sqlite3_file* fileOf(Connection const& connection) {
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    return file;
+}
+
+/// Takes the whole lock of a file that is read without a log. SQLite's own ways to it write to the
+/// disk, which may be full, and to a file that may be refused yet. Gives SQLite's code.
+int lockWhole(Connection const& connection) {
+    sqlite3_file* const file = fileOf(connection);
+    int code = SQLITE_OK;
+    for (int const level : {SQLITE_LOCK_SHARED, SQLITE_LOCK_RESERVED, SQLITE_LOCK_EXCLUSIVE}) {
+        code = code == SQLITE_OK ? file->pMethods->xLock(file, level) : code;
+    }
+    return code;
+}
+
 /// Looks at the file below all that SQLite makes of its content, so that a file of another kind is
 /// not even locked. True when the file may turn out to be empty: as it is, or because its making
 /// was cut off. That ends with the change to a write-ahead log.
-bool checkHeader(Connection& connection) {
-    sqlite3_file* file = nullptr;
-    sqlite3_file_control(connection.handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+bool checkHeader(Connection const& connection) {
+    sqlite3_file* const file = fileOf(connection);
     sqlite3_int64 size = 0;
     Header header{};
     int code = file->pMethods->xFileSize(file, &size);
@@ -248,11 +264,7 @@ void OpenFile::takeBack() noexcept {
         if (sqlite3_get_autocommit(connection_.handle()) == 0) {
             connection_.run("ROLLBACK");
         }
-        // SQLite's own ways to the lock write to the disk, which may be full.
-        sqlite3_file* file = nullptr;
-        sqlite3_file_control(connection_.handle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
-        if (file->pMethods->xLock(file, SQLITE_LOCK_SHARED) != SQLITE_OK ||
-            file->pMethods->xLock(file, SQLITE_LOCK_EXCLUSIVE) != SQLITE_OK) {
+        if (lockWhole(connection_) != SQLITE_OK) {
             return;
         }
         checkInPlace();
@@ -283,16 +295,17 @@ void OpenFile::removeFiles() {
     }
 }
 
-/// To read a file that has a write-ahead log takes the whole lock. One that has none yet is locked
-/// by a transaction first: two that have made it together would both read it, and stand in each
+/// To read a file that has a write-ahead log takes the whole lock. One that has none yet is only
+/// locked against writing: two that have made it together would both read it, and stand in each
 /// other's way from then on.
 void OpenFile::lock(bool mayBeNew) {
     connection_.run("PRAGMA locking_mode = EXCLUSIVE");
     try {
-        if (mayBeNew) {
-            connection_.run("BEGIN EXCLUSIVE; COMMIT");
-        }
         connection_.number("SELECT count(*) FROM sqlite_schema");
+        int const code = mayBeNew ? lockWhole(connection_) : SQLITE_OK;
+        if (code != SQLITE_OK) {
+            throw SqliteError(connection_.handle(), code);
+        }
     } catch (SqliteError const& error) {
         if (error.damage()) {
             guard_.activate(); // it is met under the lock

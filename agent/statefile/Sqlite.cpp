@@ -13,9 +13,11 @@ namespace VpAgent {
 
 namespace {
 
-/// The words of SQLite, with the reason that the system gave for a failed file operation.
+/// The words of SQLite, with the reason that the system gave for a failed file operation. The
+/// connection knows none of an operation of ours on its file.
 std::string description(sqlite3* connection, int code) {
-    std::string text = sqlite3_errmsg(connection);
+    bool const isKnown = sqlite3_errcode(connection) != SQLITE_OK;
+    std::string text = isKnown ? sqlite3_errmsg(connection) : sqlite3_errstr(code);
     int const primary = code & 0xFF;
     int const reason = sqlite3_system_errno(connection);
     if ((primary == SQLITE_IOERR || primary == SQLITE_CANTOPEN || primary == SQLITE_FULL) &&

@@ -3,6 +3,7 @@
 
 #include "Program.h"
 #include "agent/KeptAgent.h"
+#include "agent/KillableRun.h"
 #include "agent/RunVpagent.h"
 #include "support/Allocations.h"
 
@@ -28,29 +29,31 @@ namespace {
 using Support::FailingAllocations;
 using Support::Shortage;
 
-/// Each of them is acknowledged by the line that follows it in the script.
-std::vector<std::string> const commands = {
-    "client add bgp",
-    "start table-size=9 reallocation=on",
-    "request bgp edge Ethernet1/1:100",
-    "request bgp remote 10.0.0.1@7",
-    "withdraw bgp edge Ethernet1/1:100",
-    "save-boot",
+/// A run, and the one before it, if any, which is killed and so leaves a state file with a log.
+struct Runs {
+    char const* name;
+    std::vector<std::string> before;
+    std::vector<std::string> commands;
 };
 
-std::string scriptOf(std::size_t count) {
-    std::string script;
-    for (std::size_t at = 0; at < count; ++at) {
-        script += commands[at] + "\necho done\n";
-    }
-    return script;
-}
+std::vector<Runs> const allRuns = {
+    {"OnNoStateFileYet",
+     {},
+     {"client add bgp", "start table-size=9 reallocation=on", "request bgp edge Ethernet1/1:100",
+      "request bgp remote 10.0.0.1@7", "withdraw bgp edge Ethernet1/1:100", "save-boot"}},
+    {"OnAStateFileWithALog",
+     {"client add bgp", "start table-size=9", "request bgp edge Ethernet1/1:100",
+      "request bgp vlan 7", "mcast create", "mcast backplane Ethernet1/1"},
+     {"start table-size=9 reallocation=on", "request bgp remote 10.0.0.1@7",
+      "withdraw bgp edge Ethernet1/1:100"}},
+};
 
-class WithoutMemory : public testing::Test {
+class WithoutMemory : public testing::TestWithParam<Runs> {
 protected:
     WithoutMemory() {
-        options_.stateFile = path("state");
-        for (std::size_t count = 0; count <= commands.size(); ++count) {
+        options_.stateFile = (folder_.path() / "run" / "state").string();
+        prepare();
+        for (std::size_t count = 0; count <= commands_.size(); ++count) {
             options_.scripts = {folder_.write("script.vp", scriptOf(count))};
             EXPECT_EQ(run(0, Shortage::momentary), 0);
             contents_.push_back(openedFile(*options_.stateFile).content);
@@ -59,12 +62,34 @@ protected:
 
     std::string path(std::string const& name) const { return (folder_.path() / name).string(); }
 
-    /// Runs the script on no state file yet, in a copy of this process. With 0 for `failing`
+    /// Each command is acknowledged by the line that follows it.
+    std::string scriptOf(std::size_t count) const {
+        std::string script;
+        for (std::size_t at = 0; at < count; ++at) {
+            script += commands_[at] + "\necho done\n";
+        }
+        return script;
+    }
+
+    /// Makes what each run finds.
+    void prepare() const {
+        std::filesystem::create_directory(path("before"));
+        if (!GetParam().before.empty()) {
+            KillableRun run(path("before/state"));
+            for (std::string const& command : GetParam().before) {
+                run.write(command + '\n');
+            }
+            EXPECT_TRUE(run.readAnswers(GetParam().before.size()));
+            run.kill();
+            EXPECT_TRUE(std::filesystem::exists(path("before/state-wal")));
+        }
+    }
+
+    /// Runs the script on what was there before, in a copy of this process. With 0 for `failing`
     /// nothing fails, else that allocation. Returns the status, or minus the signal.
     int run(U32 failing, Shortage shortage) const {
-        for (char const* const end : {"", "-wal", "-shm", "-journal"}) {
-            std::filesystem::remove(*options_.stateFile + end);
-        }
+        std::filesystem::remove_all(path("run"));
+        std::filesystem::copy(path("before"), path("run"));
         std::fflush(nullptr); // or the copy prints once more what is not printed yet
         pid_t const child = ::fork();
         if (child == 0) {
@@ -109,8 +134,8 @@ protected:
     void expectKept(int status) const {
         std::string const out = bytesOf(path("out"));
         auto const done = static_cast<std::size_t>(std::count(out.begin(), out.end(), '\n'));
-        std::size_t const last = std::min(done + 1, commands.size());
-        EXPECT_TRUE(status != 0 || done == commands.size()) << out;
+        std::size_t const last = std::min(done + 1, commands_.size());
+        EXPECT_TRUE(status != 0 || done == commands_.size()) << out;
         Opened const file = openedFile(*options_.stateFile);
         EXPECT_EQ(file.refusal, "");
         EXPECT_TRUE(file.content == contents_[done] || file.content == contents_[last])
@@ -125,6 +150,7 @@ protected:
         return status;
     }
 
+    std::vector<std::string> const& commands_ = GetParam().commands;
     TemporaryFolder folder_;
     VpAgent::Options options_;
     std::vector<std::string> contents_; ///< of the file after the first commands
@@ -136,7 +162,7 @@ U32 step() {
     return chosen == nullptr ? 11 : static_cast<U32>(std::stoul(chosen));
 }
 
-TEST_F(WithoutMemory, EveryAllocationEndsInAnErrorOrAMessage) {
+TEST_P(WithoutMemory, EveryAllocationEndsInAnErrorOrAMessage) {
     ASSERT_EQ(run(0, Shortage::momentary), 0);
     expectKept(0);
     U32 const count = static_cast<U32>(std::stoul(bytesOf(path("count"))));
@@ -153,6 +179,9 @@ TEST_F(WithoutMemory, EveryAllocationEndsInAnErrorOrAMessage) {
     std::cout << count << " allocations: " << ways[0] << " done, " << ways[1] << " errors, "
               << ways[2] << " ends\n";
 }
+
+INSTANTIATE_TEST_SUITE_P(Runs, WithoutMemory, testing::ValuesIn(allRuns),
+                         [](auto const& each) { return std::string(each.param.name); });
 
 } // namespace
 } // namespace VpAgentTest
