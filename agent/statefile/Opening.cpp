@@ -137,14 +137,14 @@ sqlite3_file* fileOf(Connection const& connection) {
 }
 
 /// Takes the whole lock of a file that is read without a log. SQLite's own ways to it write to the
-/// disk, which may be full, and to a file that may be refused yet. Gives SQLite's code.
-int lockWhole(Connection const& connection) {
+/// disk, which may be full, and to a file that may be refused yet.
+void lockWhole(Connection const& connection) {
     sqlite3_file* const file = fileOf(connection);
-    int code = SQLITE_OK;
     for (int const level : {SQLITE_LOCK_SHARED, SQLITE_LOCK_RESERVED, SQLITE_LOCK_EXCLUSIVE}) {
-        code = code == SQLITE_OK ? file->pMethods->xLock(file, level) : code;
+        if (int const code = file->pMethods->xLock(file, level); code != SQLITE_OK) {
+            throw SqliteError(connection.handle(), code);
+        }
     }
-    return code;
 }
 
 /// Looks at the file below all that SQLite makes of its content, so that a file of another kind is
@@ -264,9 +264,7 @@ void OpenFile::takeBack() noexcept {
         if (sqlite3_get_autocommit(connection_.handle()) == 0) {
             connection_.run("ROLLBACK");
         }
-        if (lockWhole(connection_) != SQLITE_OK) {
-            return;
-        }
+        lockWhole(connection_);
         checkInPlace();
         if (!hasContent(path_)) {
             removeFiles();
@@ -302,9 +300,8 @@ void OpenFile::lock(bool mayBeNew) {
     connection_.run("PRAGMA locking_mode = EXCLUSIVE");
     try {
         connection_.number("SELECT count(*) FROM sqlite_schema");
-        int const code = mayBeNew ? lockWhole(connection_) : SQLITE_OK;
-        if (code != SQLITE_OK) {
-            throw SqliteError(connection_.handle(), code);
+        if (mayBeNew) {
+            lockWhole(connection_);
         }
     } catch (SqliteError const& error) {
         if (error.damage()) {

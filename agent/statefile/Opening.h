@@ -18,9 +18,10 @@ namespace VpAgent {
 /// `Damage`, none of which names the file. While two programs open a file at once, either may be
 /// told that it is busy though neither gets it; `openAlone` tries again.
 ///
-/// The lock is SQLite's own, in its exclusive locking mode: taken with the first read, held until
-/// the connection is closed, and gone with the process however that ends, even while a forked copy
-/// of it lives on. (A lock by `flock` would stay for as long as any copy has the file open.)
+/// The lock is SQLite's own, in its exclusive locking mode: taken with the first read, or right
+/// behind it where there is no log yet, held until the connection is closed, and gone with the
+/// process however that ends, even while a forked copy of it lives on. (A lock by `flock` would
+/// stay for as long as any copy has the file open.)
 class OpenFile {
 public:
     OpenFile(std::filesystem::path const& path, U64 largest);
